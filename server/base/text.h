@@ -1,0 +1,65 @@
+#pragma once
+
+#include "quillpg/api.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <variant>
+
+// Text rules that the whole engine shares. Nothing here depends on the locale.
+
+namespace quillpg {
+
+/// The text without blanks, tabs, CR, LF, VT and FF at both ends.
+QUILLPG_API std::string_view Trim(std::string_view text);
+
+/// Trims `text` in place.
+QUILLPG_API void TrimInPlace(std::string& text);
+
+/// ASCII letters in lower case, every other byte as it is, so that multi-byte text stays whole.
+constexpr char FoldCase(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+QUILLPG_API std::string FoldCase(std::string_view text);
+
+/// Whole-string comparison without regard to the case of ASCII letters.
+QUILLPG_API bool EqualNoCase(std::string_view a, std::string_view b);
+
+/// One typed argument of FormatText.
+class CFormatArg {
+ public:
+  CFormatArg(std::string_view text) : m_value(text) {}  // NOLINT(google-explicit-constructor)
+  CFormatArg(const std::string& text) : m_value(std::string_view(text)) {}  // NOLINT
+  CFormatArg(const char* text) : m_value(std::string_view(text)) {}         // NOLINT
+  CFormatArg(char c) : m_value(c) {}                                        // NOLINT
+  CFormatArg(int number) : m_value(std::int64_t{number}) {}                 // NOLINT
+  CFormatArg(long number) : m_value(std::int64_t{number}) {}                // NOLINT
+  CFormatArg(long long number) : m_value(std::int64_t{number}) {}           // NOLINT
+  CFormatArg(unsigned number) : m_value(std::int64_t{number}) {}            // NOLINT
+
+  /// Appends the argument as the conversion asks for: "s", "c", "d", "ld" or "hd" (signed 16 bits).
+  void AppendTo(std::string& out, std::string_view conversion) const;
+
+ private:
+  std::variant<std::string_view, char, std::int64_t> m_value;
+};
+
+/// Fills %s, %c, %d, %ld and %hd of `format` in order with `args`; %% is a percent sign. Missing
+/// arguments give empty text, other conversions are copied as they stand. Catalogue texts and texts
+/// of the front end pass through here and never reach printf as a format.
+QUILLPG_API std::string FormatText(std::string_view format, std::initializer_list<CFormatArg> args);
+
+/// Appends a decimal number.
+QUILLPG_API void AppendNumber(std::string& out, std::int64_t number);
+
+/// The shortest decimal text that reads back as the same number.
+QUILLPG_API std::string ShortestDecimal(double number);
+QUILLPG_API std::string ShortestDecimal(float number);
+
+/// The number with `decimals` digits after the point (as "%.3f" in the C locale); any size.
+QUILLPG_API std::string FixedDecimal(double number, int decimals);
+
+}  // namespace quillpg
