@@ -1,0 +1,20 @@
+// Runs every comparison and prints one line `ratio NAME VALUE` for each at the end:
+//   packing    pattern words of a module over the conversion bit by bit, and over memcpy
+//   compile    a program at the limits over linear name look-ups
+//   group text cell values of a grid over the conversion channel by channel
+//   vcd        played vectors to VCD text over a stream written bit by bit
+//   play       10,000,000 played vectors over memcpy
+// Options are Google Benchmark's, for example --benchmark_filter=packing.
+
+#include <benchmark/benchmark.h>
+
+namespace quillpg::bench {
+int RunAndPrintRatios();
+// Each topic registers itself here and is called in main.
+}  // namespace quillpg::bench
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+  return quillpg::bench::RunAndPrintRatios();
+}
