@@ -3,6 +3,7 @@
 #include "quillpg/result_codes.h"
 
 #include <exception>
+#include <string>
 #include <utility>
 
 namespace quillpg {
@@ -16,6 +17,14 @@ Status GuardAllocation(Operation&& operation, Status onException = E_FAIL) {
   } catch (const std::exception&) {
     return onException;
   }
+}
+
+/// Assigns `text`; E_FAIL, with `target` as it was, when memory runs out.
+inline Status StoreText(std::string& target, const std::string& text) {
+  return GuardAllocation([&] {
+    target = text;
+    return S_OK;
+  });
 }
 
 }  // namespace quillpg

@@ -1,9 +1,13 @@
 #pragma once
 
+#include "base/guard.h"
+#include "base/revision.h"
 #include "base/text.h"
 #include "quillpg/limits.h"
 #include "quillpg/result_codes.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -17,11 +21,14 @@ namespace quillpg {
 /// An object passes to the list only when the operation succeeds: a refused one is still the
 /// caller's, which is why insertion takes the owner by rvalue reference and moves from it last.
 /// Look-ups by name skip empty slots and use `NameOf(const T&)`, found beside the object's class.
+/// Objects that have `ReportTo(CRevision*)` report their own changes to the list's revision.
 template <typename T>
 class COrderedList {
  public:
   /// `limit` is the largest number of slots that the list may have, empty ones included.
   explicit COrderedList(int limit = MAX_LIST_POSITIONS) : m_limit(limit) {}
+  COrderedList(const COrderedList&) = delete;
+  COrderedList& operator=(const COrderedList&) = delete;
 
   int Count() const { return static_cast<int>(m_slots.size()); }
   bool IsFull() const { return Count() >= m_limit; }
@@ -44,9 +51,29 @@ class COrderedList {
   /// would outgrow its limit.
   Status Insert(int position, std::unique_ptr<T>&& object) {
     if (!object || position < 0 || IsFull() || position >= m_limit) return E_FAIL;
+    const Status grown = GuardAllocation([&] { return Grow(std::max(position, Count()) + 1); });
+    if (Failed(grown)) return grown;
+    T* inserted = object.get();
     if (position > Count()) m_slots.resize(static_cast<std::size_t>(position));
     m_slots.insert(m_slots.begin() + position, std::move(object));
+    Connect(inserted, &m_revision);
+    m_revision.Touch();
     return S_OK;
+  }
+
+  /// Replaces the content by copies of the other list's objects, empty slots included; E_FAIL, with
+  /// nothing changed, when memory runs out.
+  Status CopyFrom(const COrderedList& other) {
+    return GuardAllocation([&] {
+      std::vector<std::unique_ptr<T>> copies(other.m_slots.size());
+      std::ranges::transform(other.m_slots, copies.begin(), [](const std::unique_ptr<T>& slot) {
+        return slot ? std::make_unique<T>(*slot) : nullptr;
+      });
+      m_slots.swap(copies);
+      for (const auto& slot : m_slots) Connect(slot.get(), &m_revision);
+      m_revision.Touch();
+      return S_OK;
+    });
   }
 
   /// Destroys and removes `count` slots from `first` on; E_FAIL, with nothing changed, for a range
@@ -55,12 +82,44 @@ class COrderedList {
     if (!HoldsRange(first, count)) return E_FAIL;
     const auto from = m_slots.begin() + first;
     m_slots.erase(from, from + count);
+    m_revision.Touch();
     return S_OK;
   }
 
+  /// As Remove, with `visit(position, object)` called for each slot in turn; the object is null for
+  /// an empty slot. `visit` must Destroy the object; it tells the front end before or after, which
+  /// may change the list meanwhile: an object that is gone by then is not visited. The slots are
+  /// closed at the end, so positions are those before any removal.
+  template <typename Visit>
+  Status RemoveEach(int first, int count, Visit&& visit) {
+    if (!HoldsRange(first, count)) return E_FAIL;
+    std::vector<T*> doomed(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) doomed[static_cast<std::size_t>(i)] = At(first + i);
+    int position = first;
+    for (T* object : doomed) {
+      if (!object || PositionOf(object, position) >= 0) visit(position, object);
+      ++position;
+    }
+    CloseEmpty(first, count);
+    return S_OK;
+  }
+
+  /// Where `object` stands now; `hint` is looked at first. -1 when it is not in the list.
+  int PositionOf(const T* object, int hint) const {
+    if (!object || At(hint) == object) return object ? hint : -1;
+    const auto slot = std::ranges::find(m_slots, object, &std::unique_ptr<T>::get);
+    return slot == m_slots.end() ? -1 : static_cast<int>(slot - m_slots.begin());
+  }
+
+  /// Destroys `object` and leaves its slot empty; nothing when it is not in the list.
+  void Destroy(const T* object, int hint) { Release(PositionOf(object, hint)); }
+
   /// Takes the object out of its slot, which stays in the list, empty.
   std::unique_ptr<T> Release(int position) {
-    return Holds(position) ? std::move(m_slots[static_cast<std::size_t>(position)]) : nullptr;
+    if (!At(position)) return nullptr;
+    m_revision.Touch();
+    Connect(At(position), nullptr);
+    return std::move(m_slots[static_cast<std::size_t>(position)]);
   }
 
   /// Takes the slot out of the list and hands its object over.
@@ -70,7 +129,10 @@ class COrderedList {
     return object;
   }
 
-  void Clear() { m_slots.clear(); }
+  void Clear() {
+    m_slots.clear();
+    m_revision.Touch();
+  }
 
   /// Exchanges the slot with its upper neighbour (its lower one); E_FAIL where there is none.
   Status MoveUp(int position) { return SwapNeighbours(position - 1, position >= 1); }
@@ -91,6 +153,11 @@ class COrderedList {
     for (const auto& slot : m_slots) count += slot && EqualNoCase(NameOf(*slot), name) ? 1 : 0;
     return count;
   }
+
+  /// Counts the changes of the list and those that its objects report.
+  std::uint64_t Revision() const { return m_revision.Count(); }
+  /// Passes every change on to `owner`, which must outlive the list.
+  void ReportTo(CRevision* owner) { m_revision.ReportTo(owner); }
 
   /// Calls `visit` with each object in order, empty slots left out. `visit` must not change the
   /// list.
@@ -115,9 +182,33 @@ class COrderedList {
     if (!inRange || !HoldsRange(upper, 2)) return E_FAIL;
     std::swap(m_slots[static_cast<std::size_t>(upper)],
               m_slots[static_cast<std::size_t>(upper) + 1]);
+    m_revision.Touch();
     return S_OK;
   }
 
+  // Room for `slots`, at least doubling, so that what follows cannot fail half-way.
+  Status Grow(int slots) {
+    if (static_cast<std::size_t>(slots) > m_slots.capacity()) {
+      m_slots.reserve(std::max(static_cast<std::size_t>(slots), 2 * m_slots.capacity()));
+    }
+    return S_OK;
+  }
+
+  // Closes the empty slots among `count` from `first` on, as far as the list still reaches.
+  void CloseEmpty(int first, int count) {
+    const auto from = m_slots.begin() + std::min(first, Count());
+    const auto end = from + std::min(count, Count() - std::min(first, Count()));
+    m_slots.erase(std::remove(from, end, nullptr), end);
+    m_revision.Touch();
+  }
+
+  static void Connect(T* object, CRevision* revision) {
+    if constexpr (requires { object->ReportTo(revision); }) {
+      if (object) object->ReportTo(revision);
+    }
+  }
+
+  CRevision m_revision;
   std::vector<std::unique_ptr<T>> m_slots;
   int m_limit;
 };

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "base/modified_flag.h"
+#include "base/revision.h"
+#include "quillpg/api.h"
+#include "quillpg/engine_types.h"
+#include "quillpg/result_codes.h"
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+namespace quillpg {
+
+/// One line of the main program. It holds names and text as the user typed them; the compiler
+/// resolves and checks them. Every setter marks the line modified.
+struct QUILLPG_API SEQUENCE_LINE {
+  SEQUENCE_LINE() = default;
+
+  /// Restores the defaults: repeat 1, signal 1, no texts, modified.
+  Status Initialize();
+
+  int GetRepeatCount() const { return m_repeatCount; }  ///< how often the output is played
+  SignalValue GetSignalValue() const { return m_signalValue; }
+  const std::string& GetLabel() const { return m_label; }      ///< target of jumps
+  const std::string& GetWaitFor() const { return m_waitFor; }  ///< event awaited before playing
+  const std::string& GetOutput() const { return m_output; }    ///< block or subsequence played
+  const std::string& GetJumpIf() const { return m_jumpIf; }    ///< event that makes it jump
+  const std::string& GetJumpTo() const { return m_jumpTo; }    ///< label jumped to
+
+  Status SetRepeatCount(int count);
+  Status SetSignalValue(SignalValue value);
+  Status SetLabel(const std::string& text);
+  Status SetWaitFor(const std::string& text);
+  Status SetOutput(const std::string& text);
+  Status SetJumpIf(const std::string& text);
+  Status SetJumpTo(const std::string& text);
+
+  bool IsModified() const { return m_modified.IsSet(); }
+  Status SetModified(int flag);
+
+  /// True when all five texts are empty; repeat count and signal do not count.
+  bool IsEmpty() const;
+  bool IsValid() const { return true; }
+
+  /// `list` counts the changes of the texts from now on; null takes it away.
+  void ReportTo(CRevision* list) { m_revision.ReportTo(list); }
+
+  /// Bytes in a setup file.
+  std::uint64_t GetSize() const;
+  Status Read(std::istream& stream);
+  Status Write(std::ostream& stream) const;
+
+ private:
+  Status SetText(std::string& field, const std::string& text);
+
+  CModifiedFlag m_modified{true};
+  int m_repeatCount = 1;
+  SignalValue m_signalValue = SignalValue::High;
+  std::string m_label;
+  std::string m_waitFor;
+  std::string m_output;
+  std::string m_jumpIf;
+  std::string m_jumpTo;
+  CRevision m_revision;
+};
+
+inline std::string_view NameOf(const SEQUENCE_LINE& line) { return line.GetLabel(); }
+
+}  // namespace quillpg

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "base/modified_flag.h"
+#include "base/ordered_list.h"
+#include "program/program_manager.h"
+#include "program/subsequence.h"
+
+namespace quillpg {
+
+/// The subsequences of an instrument, at most MAX_SUBSEQUENCES slots. Names need neither be given
+/// nor unique. The handler is stored and never told anything.
+class QUILLPG_API CSubSequenceManager : public CProgramManager {
+ public:
+  CSubSequenceManager();
+  ~CSubSequenceManager() override;
+
+  Status GetNoOfSubSequences(int& count) const;
+  /// Appends an empty subsequence of that name, trimmed; E_FAIL for a full list.
+  Status AddSubSequence(const std::string& name);
+  Status InsertSubSequence(int position, const std::string& name);
+  /// Takes the subsequence over on success only; E_FAIL for null, a full list or a bad position.
+  Status InsertSubSequence(int position, std::unique_ptr<SUBSEQUENCE>&& subsequence);
+  Status DeleteSubSequence(int first, int count);
+  Status DeleteAll();
+
+  /// First subsequence of that name, which is trimmed; -1 and E_FAIL without one.
+  Status FindSubSequence(const std::string& name, int& index) const;
+  /// Subsequences of that name, which is trimmed (deliberate: other managers' counts do not trim);
+  /// 0 and E_FAIL for an empty one.
+  Status CountSubSequences(const std::string& name, int& count) const;
+  /// The subsequence stays the manager's; a bad index gives null with S_OK.
+  Status GetSubSequence(int index, SUBSEQUENCE** subsequence) const;
+  /// Assigns. E_FAIL for null; a bad index is S_OK and changes nothing.
+  Status SetSubSequence(int index, const SUBSEQUENCE* subsequence);
+  Status MoveUp(int index);
+  Status MoveDown(int index);
+
+  /// 1 when the manager's flag, a subsequence's or a line's is set.
+  int IsModified() const;
+  /// 0 also clears the flags of every subsequence and line.
+  Status SetModified(int flag);
+
+  /// Counts the changes of the list, the names and the lines.
+  std::uint64_t Revision() const { return m_subsequences.Revision(); }
+
+  /// Bytes in a setup file.
+  Status GetSize(std::uint64_t& size) const;
+  Status Read(std::istream& stream);
+  Status Write(std::ostream& stream) const;
+
+ private:
+  Status Changed(Status status);
+
+  CModifiedFlag m_modified;
+  COrderedList<SUBSEQUENCE> m_subsequences;
+};
+
+}  // namespace quillpg
