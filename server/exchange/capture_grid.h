@@ -1,0 +1,45 @@
+#pragma once
+
+#include "exchange/capture.h"
+#include "quillpg/api.h"
+#include "quillpg/result_codes.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace quillpg {
+
+/// The sample grid of a capture: one vector for each period from its first change point on.
+struct SAMPLE_GRID {
+  RATIO period;                     ///< seconds
+  std::vector<std::int64_t> first;  ///< for each change point that is played: its vector, rising
+  std::vector<std::size_t> point;   ///< and its place in CAPTURE::stamps
+  std::int64_t vectors = 0;         ///< length of the capture
+  std::int64_t merged = 0;          ///< change points that fell into the vector of a later one
+};
+
+/// Finds the grid on which a capture was sampled. In this order:
+/// 1. a period that the user gives: every stamp goes to the nearest vector;
+/// 2. the rate that the capture's comment states, if every stamp is a rounded multiple of its
+///    period and the stamps' common step is finer;
+/// 3. the greatest common divisor of all stamps, if the clock can play it and it does not give
+///    millions of vectors for nothing;
+/// 4. the longest period of which every stamp is a rounded (or cut) multiple.
+class QUILLPG_API CCaptureGrid {
+ public:
+  /// `period` in seconds, not set: found. E_FAIL with a text that says what to give when there is
+  /// no period that the clock can play.
+  Status Find(const CAPTURE& capture, RATIO period, SAMPLE_GRID& grid);
+
+  const std::string& GetErrorText() const { return m_errorText; }
+
+ private:
+  std::string m_errorText;
+};
+
+/// True when the internal clock can run at this period, in HALF mode or in any mode.
+QUILLPG_API bool CanClock(RATIO period, bool half);
+QUILLPG_API bool CanClock(RATIO period);
+
+}  // namespace quillpg
