@@ -1,0 +1,77 @@
+#include "program_file.h"
+
+#include "exchange/sample_period.h"
+#include "exchange/vcd_reader.h"
+#include "exit_status.h"
+#include "input_text.h"
+#include "interrupt.h"
+#include "quillpg/app_server.h"
+#include "report.h"
+#include "server_session.h"
+#include "terminal_router.h"
+
+namespace quillpg::tool {
+
+int CProgramFile::Load(const INPUT_OPTIONS& options, CServerSession& session,
+                       CTerminalRouter& router) {
+  std::string fault;
+  if (!IsReadable(options.file, fault)) {
+    ReportError(fault);
+    return STATUS_UNUSABLE;
+  }
+  const int status = LoadCapture(options, session, router);
+  session.OnInterrupt(nullptr);
+  return status;
+}
+
+int CProgramFile::LoadCapture(const INPUT_OPTIONS& options, CServerSession& session,
+                              CTerminalRouter& router) {
+  RATIO period;
+  if (!options.period.empty() && ParsePeriod(options.period, period) != S_OK) {
+    ReportError("--period " + options.period + ": not a period such as 62.5ns, 1us or 1e-6");
+    return STATUS_UNUSABLE;
+  }
+  m_import.SetMessageRouter(&router);
+  session.OnInterrupt([this] { m_import.AbortOperation(); });
+
+  Status status = m_import.Read(options.file);
+  if (!Failed(status)) status = m_import.Plan(period);
+  if (!Failed(status)) status = m_import.ConfigureSimulation();
+  router.EraseBar();
+  if (Failed(status)) return Refuse(status, options);
+  if (session.Server() == nullptr) return STATUS_UNUSABLE;
+
+  CInstrument* instrument = nullptr;
+  status = m_import.Load(&instrument);
+  VCD_INSTRUMENT description;
+  if (!Failed(status)) status = m_import.DescribeForVcd(description);
+  router.EraseBar();
+  if (Failed(status)) return Refuse(status, options);
+
+  for (const std::string& notice : m_import.GetNotices()) ReportNotice(notice);
+  m_length = m_import.GetLength();
+  m_instruments = {std::move(description)};
+  Summarize();
+  return STATUS_GOOD;
+}
+
+int CProgramFile::Refuse(Status status, const INPUT_OPTIONS& options) {
+  if (status == PG_E_ABORTED && Interrupted()) return InterruptStatus();
+  const std::string& text = m_import.GetErrorText();
+  ReportError(text.empty() ? options.file + ": " + StatusText(status) : text);
+  return STATUS_UNUSABLE;
+}
+
+void CProgramFile::Summarize() {
+  const CAPTURE& capture = m_import.GetCapture();
+  const CAPTURE_PLAN& plan = m_import.GetPlan();
+  m_summary = Counted(static_cast<std::int64_t>(capture.signals.size()), "signal") + ", " +
+              Counted(m_import.GetLength(), "vector") + " of " + FormatPeriod(plan.grid.period) +
+              "; " + Counted(plan.modules, "module") + ", " +
+              std::string(GetDisplayText(plan.mode)) +
+              (plan.memoryOption ? " with memory option" : "") + "; " +
+              Counted(static_cast<std::int64_t>(plan.program.blocks.size()), "block") + " in " +
+              Counted(static_cast<std::int64_t>(plan.program.lines.size()), "line");
+}
+
+}  // namespace quillpg::tool
