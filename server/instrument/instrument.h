@@ -3,8 +3,10 @@
 #include "base/modified_flag.h"
 #include "quillpg/api.h"
 #include "quillpg/engine_types.h"
+#include "quillpg/limits.h"
 #include "quillpg/result_codes.h"
 
+#include <array>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -279,56 +281,60 @@ class QUILLPG_API CInstrument {
   Status Write(std::ostream& stream) const;
 
  private:
+  /// The instrument-wide settings, with their defaults.
+  struct SETTINGS {
+    ChannelMode channelMode = ChannelMode::Full;
+    int hiZOnStop = 1;
+    ClockSource clockSource = ClockSource::Internal;
+    double clockPeriod = 1e-08;
+    float clockThreshold = 0;
+    Polarity clockPolarity = Polarity::Positive;
+    int eventFilter = 0;
+    int inhibitEvent = 0;
+    EventMode jumpEventMode = EventMode::Level;
+    EventMode advEventMode = EventMode::Level;
+    RunMode runMode = RunMode::Continuous;
+    SignalType inputSignalSource = SignalType::None;
+    SignalType outputSignalDest = SignalType::None;
+  };
+
   CModule* ModuleAt(int position) const;
   CSorrelModule* HardwareAt(int position) const;
-  bool IsFull() const { return m_channelMode == ChannelMode::Full; }
+  bool IsFull() const { return m_settings.channelMode == ChannelMode::Full; }
   int ChannelsPerPod() const { return IsFull() ? 16 : 8; }
   int ChannelsPerModule() const { return IsFull() ? 64 : 32; }
   int MaxChannels() const { return ChannelsPerModule() * static_cast<int>(m_modules.size()); }
   bool HoldsChannel(int channel) const { return channel >= 0 && channel < MaxChannels(); }
 
-  /// Calls `operation(hardware)` for every module with hardware, in order; stops at a failure.
-  template <typename Operation>
-  Status ForEachHardware(Operation&& operation) const;
-  template <typename T, typename Send, typename Receive>
-  Status SetOnAllModules(T wanted, T& stored, Send send, Receive receive);
+  /// The hardware of every module in order, null where there is none.
+  std::array<CSorrelModule*, MAX_INSTRUMENT_MODULES> Hardware() const;
   template <typename Operation, typename... Args>
   Status Forward(int module, Operation operation, Args&&... args) const;
-
-  void ApplySettings();
   void AnnounceReset();
-  void EnableOutputs(int enable);
-  Status SendClockPeriod(double seconds);
-  Status SendSignalOut(CSorrelModule& hardware, SignalType type, bool master);
+  void ApplySettings(const SETTINGS& settings);
+  void EnableOutputs(bool enable) const;
+  void TakeInIdle() const;
 
   Status RelayProgram(ChannelMode oldMode);
-  Status RelayBlock(BLOCK& block, int oldPodBytes);
-  void RelayGroup(GROUP& group, int oldPodChannels);
+  Status RelayBlock(BLOCK& block, int oldPodChannels, char fill) const;
+  void RelayGroup(GROUP& group, int oldPodChannels) const;
   void RebuildChannelNames(GROUP& group) const;
+  void RebuildInhibitControls();
   int InhibitControlOf(int module, int pod) const;
+  /// Control channel when the channel's pod is inhibited by data, -1 when it is not; E_FAIL for a
+  /// bad channel and for a pod without a probe.
+  Status FindInhibitControl(int channel, int& control) const;
   BLOCK* BlockAt(int position) const;
   GROUP* FindGroup(const std::string& name) const;
-  void MarkChanged(BLOCK& block);
+  void MarkChanged(BLOCK& block) const;
 
   std::string m_name;
   int m_enabled = 1;
   CModifiedFlag m_modified{true};
   std::string m_comment;
   std::string m_fileName;
-  ChannelMode m_channelMode = ChannelMode::Full;
-  int m_hiZOnStop = 1;
-  ClockSource m_clockSource = ClockSource::Internal;
-  double m_clockPeriod = 1e-08;
-  float m_clockThreshold = 0;
-  Polarity m_clockPolarity = Polarity::Positive;
-  int m_eventFilter = 0;
-  int m_inhibitEvent = 0;
-  EventMode m_jumpEventMode = EventMode::Level;
-  EventMode m_advEventMode = EventMode::Level;
-  RunMode m_runMode = RunMode::Continuous;
+  SETTINGS m_settings;
   ModuleState m_state = ModuleState::Idle;
-  SignalType m_inputSignalSource = SignalType::None;
-  SignalType m_outputSignalDest = SignalType::None;
   std::vector<int> m_inhibitControls;
   std::vector<std::string> m_inhibitControlNames;
   CEventHandler* m_eventHandler = nullptr;

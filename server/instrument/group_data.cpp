@@ -1,0 +1,65 @@
+#include "instrument/group_data.h"
+
+#include "instrument/radix.h"
+#include "program/block.h"
+#include "program/group_plan.h"
+#include "quillpg/limits.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace quillpg {
+
+namespace {
+
+// The words of one group value; those of a group within the widest instrument stand in place.
+class CGroupWords {
+ public:
+  explicit CGroupWords(std::size_t words) : m_size(words) {
+    if (words > m_inPlace.size()) m_onHeap.resize(words);
+  }
+  std::span<std::uint64_t> Span() {
+    return {m_onHeap.empty() ? m_inPlace.data() : m_onHeap.data(), m_size};
+  }
+
+ private:
+  std::array<std::uint64_t, MAX_INSTRUMENT_MODULES> m_inPlace;  // a word for each module
+  std::vector<std::uint64_t> m_onHeap;
+  std::size_t m_size;
+};
+
+}  // namespace
+
+void ReadGroupText(const CGroupPlan& plan, const BLOCK& block, int vector, Radix radix,
+                   std::string& text) {
+  CGroupWords words(plan.Words());
+  const auto value = words.Span();
+  const std::size_t rowBytes = block.RowBytes();
+  if (block.Data() && vector >= 0 && vector < block.GetBlockSize()) {
+    plan.Load(block.Data() + static_cast<std::size_t>(vector) * rowBytes, rowBytes, value);
+  } else {
+    std::ranges::fill(value, 0);
+  }
+  FormatValue(value, plan.Bits(), radix, text);
+}
+
+bool WriteGroupText(const CGroupPlan& plan, BLOCK& block, int vector, int count, Radix radix,
+                    std::string_view text) {
+  const std::int64_t first = std::max(vector, 0);
+  const std::int64_t end =
+      std::min<std::int64_t>(std::int64_t{vector} + std::max(count, 1), block.GetBlockSize());
+  const std::size_t rowBytes = block.RowBytes();
+  if (!block.Data() || first >= end || !plan.Reaches(rowBytes)) return false;
+  CGroupWords words(plan.Words());
+  const auto value = words.Span();
+  ParseValue(text, plan.Bits(), radix, value);
+  std::uint8_t* row = block.Data() + static_cast<std::size_t>(first) * rowBytes;
+  for (std::int64_t i = first; i < end; ++i, row += rowBytes) plan.Store(row, rowBytes, value);
+  return true;
+}
+
+}  // namespace quillpg
