@@ -10,11 +10,15 @@
 
 namespace quillpg::bench {
 int RunAndPrintRatios();
+
 // Each topic registers itself here and is called in main.
+void RegisterPackingBenches();
 }  // namespace quillpg::bench
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+
+  quillpg::bench::RegisterPackingBenches();
   return quillpg::bench::RunAndPrintRatios();
 }

@@ -30,7 +30,7 @@ struct PACK_RUN {
 /// MAX_TRANSFER_UNITS a run, then the short ones. A block too small for as many full units goes out
 /// in short units alone, which reach past its end: meant so. No runs for a size below 1.
 /// Allocates: a failure throws.
-std::vector<PACK_RUN> SplitIntoRuns(ChannelMode mode, std::int64_t size);
+std::vector<PACK_RUN> SplitIntoRuns(ChannelMode mode, int size);
 
 /// Puts rows of pattern data into the word layout of the hardware; see GetBitArrange for what that
 /// is. Bits outside the block (rows past its end, channels past its width) read 0; nothing outside
@@ -50,8 +50,8 @@ class CPatternPacker {
             std::span<std::uint16_t> words) const;
 
  private:
-  ChannelMode m_mode;
-  UnitKind m_kind;
+  bool m_half;
+  bool m_short;
   int m_unitsPerGroup;
   int m_vectorsPerGroup;
 };
