@@ -169,7 +169,7 @@ class QUILLPG_API CModule {
   Status SetLevel(int pod, VariableChannel channel, float volts, const LEVEL& level,
                   const LEVEL& other);
 
-  bool ReadPodTypes(int& podCount);
+  Status ReadPodTypes(int& podCount);
   void ReadPod(int pod);
   void ReadVariablePod(int pod);
   void SendVariablePod(int pod);
