@@ -182,6 +182,10 @@ class QUILLPG_API CAppServer {
   CAppServer();
   Status Initialize();
 
+  /// Takes the modules of `owner`, which are about to be destroyed, out of all instruments of the
+  /// existing server.
+  static void ReleaseModules(const CModuleManager& owner);
+
   Status PasteBlock(CClipboardInfo* info);
   Status PasteEvent(CClipboardInfo* info);
   Status PasteEventDef(CClipboardInfo* info);

@@ -11,6 +11,7 @@ namespace quillpg {
 
 class CMessageRouter;
 class CSorrelModule;
+class CSystem;
 
 /// Owns the modules of the running system, in the order in which the hardware library reports them.
 ///
@@ -53,8 +54,10 @@ class QUILLPG_API CModuleManager {
 
  private:
   void DeleteAll();
-  Status Discover();
-  Status Append(CSorrelModule* module);
+  Status Discover(CSystem& system);
+  Status AppendModule(CSorrelModule* hardware);
+  template <typename Operation>
+  void ForEachHardware(Operation&& operation) const;
 
   COrderedList<CModule> m_modules;
   std::string m_logDirectory;
