@@ -1,0 +1,132 @@
+#include "instrument/radix.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace quillpg {
+namespace {
+
+std::vector<std::uint64_t> Parse(const std::string& text, int bits, Radix radix) {
+  // Stale words must not shine through.
+  std::vector<std::uint64_t> value((static_cast<std::size_t>(bits) + 63) / 64, 0xA5A5A5A5A5A5A5A5u);
+  ParseValue(text, bits, radix, value);
+  return value;
+}
+
+std::string Format(const std::vector<std::uint64_t>& value, int bits, Radix radix) {
+  std::string text = "stale";
+  FormatValue(value, bits, radix, text);
+  return text;
+}
+
+TEST(Radix, FormatsFixedDigitsButForDecimal) {
+  struct Row {
+    std::vector<std::uint64_t> value;
+    int bits;
+    const char* hex;
+    const char* decimal;
+    const char* octal;
+    const char* binary;
+  };
+  const Row rows[] = {
+      {{}, 0, "", "0", "", ""},
+      {{0}, 1, "0", "0", "0", "0"},
+      {{0x3FF}, 10, "3FF", "1023", "1777", "1111111111"},
+      {{0x2A}, 10, "02A", "42", "0052", "0000101010"},
+      {{0xF00000001},
+       36,
+       "F00000001",
+       "64424509441",
+       "740000000001",
+       "111100000000000000000000000000000001"},
+      {{0x7FFFFFFFFFFFFFFF, 1},
+       65,
+       "17FFFFFFFFFFFFFFF",
+       "27670116110564327423",
+       "2777777777777777777777",
+       "10111111111111111111111111111111111111111111111111111111111111111"},
+      // Zeros inside and at the end of a decimal that takes several chunks: 10^27.
+      {{0x9FD0803CE8000000, 0x33B2E3C},
+       90,
+       "33B2E3C9FD0803CE8000000",
+       "1000000000000000000000000000",
+       "",
+       ""},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.hex);
+    EXPECT_EQ(Format(row.value, row.bits, Radix::Hex), row.hex);
+    EXPECT_EQ(Format(row.value, row.bits, Radix::Decimal), row.decimal);
+    if (row.bits == 90) continue;
+    EXPECT_EQ(Format(row.value, row.bits, Radix::Octal), row.octal);
+    EXPECT_EQ(Format(row.value, row.bits, Radix::Binary), row.binary);
+  }
+}
+
+TEST(Radix, ParsesWhateverTextComes) {
+  struct Row {
+    const char* text;
+    int bits;
+    Radix radix;
+    const char* hex;
+  };
+  const Row rows[] = {
+      {"", 16, Radix::Hex, "0000"},
+      {"1", 16, Radix::Hex, "0001"},
+      {"FFFFF", 16, Radix::Hex, "FFFF"},
+      {"12G4", 16, Radix::Hex, "0012"},
+      {"beef", 16, Radix::Hex, "BEEF"},
+      {" 1", 16, Radix::Hex, "0000"},                // no blanks,
+      {"-1", 16, Radix::Hex, "0000"},                // no signs,
+      {"0x12", 16, Radix::Hex, "0000"},              // no prefixes
+      {"1G00000002", 40, Radix::Hex, "0100000002"},  // the chunk to the left counts by itself
+      {"1122G34567", 40, Radix::Hex, "1100000022"},  // and the other way round
+      {"7G12345678", 36, Radix::Hex, "712345678"},
+      {"8", 6, Radix::Octal, "00"},
+      {"77777777777", 33, Radix::Octal, "1FFFFFFFF"},  // 10 digits and one more
+      {"1"
+       "0000000000",
+       31, Radix::Octal, "40000000"},
+      {"10201", 8, Radix::Binary, "02"},
+      {"1"
+       "00000000000000000000000000000002",
+       33, Radix::Binary, "100000000"},
+      {"0", 16, Radix::Decimal, "0000"},
+      {"1023", 10, Radix::Decimal, "3FF"},
+      {"1024", 10, Radix::Decimal, "000"},
+      {"-1 2,3 apples", 8, Radix::Decimal, "7B"},  // what is no digit is skipped
+      {"18446744073709551615", 64, Radix::Decimal, "FFFFFFFFFFFFFFFF"},
+      {"18446744073709551616", 64, Radix::Decimal, "0000000000000000"},
+      {"1000000000000000000000000000", 92, Radix::Decimal, "33B2E3C9FD0803CE8000000"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.text);
+    EXPECT_EQ(Format(Parse(row.text, row.bits, row.radix), row.bits, Radix::Hex), row.hex);
+  }
+}
+
+TEST(Radix, TextOfMegabytesCostsNoMoreThanTheGroup) {
+  const std::string huge(std::size_t{8} << 20, '9');
+  // 10^n - 1 is all ones modulo 2^n.
+  EXPECT_EQ(Parse(huge, 320, Radix::Decimal), std::vector<std::uint64_t>(5, ~std::uint64_t{0}));
+  EXPECT_EQ(Parse(huge, 64, Radix::Hex), std::vector<std::uint64_t>(1, 0x9999999999999999u));
+  EXPECT_EQ(Parse(std::string(std::size_t{8} << 20, '?') + "7", 64, Radix::Decimal),
+            std::vector<std::uint64_t>(1, 7));
+}
+
+TEST(Radix, CountsTheDigitsOfTheLargestDecimal) {
+  for (int bits = 0; bits <= 320; ++bits) {
+    SCOPED_TRACE(bits);
+    const auto length =
+        Format(Parse(std::string(static_cast<std::size_t>(bits), '1'), bits, Radix::Binary), bits,
+               Radix::Decimal)
+            .size();
+    EXPECT_EQ(MaxDecimalDigits(bits), static_cast<int>(length));
+  }
+}
+
+}  // namespace
+}  // namespace quillpg
