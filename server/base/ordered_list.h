@@ -154,6 +154,30 @@ class COrderedList {
     return count;
   }
 
+  /// True when a slot other than `position` holds an object of that name.
+  bool IsNamedElsewhere(std::string_view name, int position) const {
+    for (int i = 0; i < Count(); ++i) {
+      const T* object = i == position ? nullptr : At(i);
+      if (object && EqualNoCase(NameOf(*object), name)) return true;
+    }
+    return false;
+  }
+
+  /// Of objects that carry a modified flag: true when one is set; clears all of them.
+  bool AnyModified() const {
+    return Any([](const T& object) { return object.IsModified(); });
+  }
+  void ClearModified() {
+    ForEach([](T& object) { (void)object.SetModified(0); });
+  }
+
+  /// Sum of the objects' sizes in a setup file.
+  std::uint64_t SizeOfAll() const {
+    std::uint64_t size = 0;
+    ForEach([&size](const T& object) { size += object.GetSize(); });
+    return size;
+  }
+
   /// Counts the changes of the list and those that its objects report.
   std::uint64_t Revision() const { return m_revision.Count(); }
   /// Passes every change on to `owner`, which must outlive the list.

@@ -80,12 +80,10 @@ class QUILLPG_API CBlockManager : public CProgramManager {
 
  private:
   Status CreateBlock(const std::string& name, int size, std::unique_ptr<BLOCK>& block) const;
-  Status Insert(int position, std::unique_ptr<BLOCK>&& block);
   bool IsSizeAllowed(int size) const;
   char DefaultChannelValue() const;
-  void Attach(BLOCK& block) const;
   void UpdateListingState(BLOCK& block) const;
-  Status Move(int index, int neighbour, Status exchanged);
+  Status Moved(int index, int neighbour, Status status);
 
   COrderedList<BLOCK> m_blocks;
   CModifiedFlag m_modified;

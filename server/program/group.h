@@ -69,7 +69,7 @@ struct QUILLPG_API GROUP {
   /// change of the channel list, valid until the next one.
   const CGroupPlan& Plan() const;
 
-  /// `list` counts the changes of the name from now on; null takes it away.
+  /// `list` counts the changes of name and channels from now on; null takes it away.
   void ReportTo(CRevision* list) { m_revision.ReportTo(list); }
 
  private:

@@ -4,6 +4,7 @@
 #include "base/ordered_list.h"
 #include "program/group.h"
 #include "program/program_manager.h"
+#include "program/waveform_rows.h"
 
 namespace quillpg {
 
@@ -84,8 +85,11 @@ class QUILLPG_API CGroupManager : public CProgramManager {
   /// Name of a run of eight channels ("A1", merged "2A1"). S_OK always.
   Status GetSectionName(int section, std::string& name) const;
 
-  /// Counts the changes of the list and of the names in it.
+  /// Counts the changes of the list, of the names in it and of the groups' channels.
   std::uint64_t Revision() const { return m_groups.Revision(); }
+
+  /// Rows that the blocks' waveform layers share.
+  WAVEFORM_ROW_CACHE& WaveformRows() { return m_waveformRows; }
 
   /// Bytes in a setup file.
   Status GetSize(std::uint64_t& size) const;
@@ -94,16 +98,18 @@ class QUILLPG_API CGroupManager : public CProgramManager {
 
  private:
   int Find(std::string_view name) const;
-  Status Insert(int position, const std::string& name);
+  Status IndexNames() const;
+  Status Insert(int position, std::string_view name);
   void RenameGroupStates(const std::string& oldName, const std::string& newName) const;
   void UpdateListingState() const;
   void AnnounceAllDeleted() const;
-  bool FillGroup(GROUP& group, std::int64_t start, int size, int maxChannels) const;
+  void FillGroup(GROUP& group, int first, int count) const;
 
   COrderedList<GROUP> m_groups;
   /// The names as of m_indexedRevision; group text is asked for by name, cell after cell.
   mutable CNameIndex m_nameIndex;
   mutable std::uint64_t m_indexedRevision = 0;
+  WAVEFORM_ROW_CACHE m_waveformRows;
 };
 
 }  // namespace quillpg

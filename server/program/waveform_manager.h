@@ -1,9 +1,6 @@
 #pragma once
 
-#include "base/ordered_list.h"
-#include "program/waveform_data.h"
-
-#include <memory>
+#include "program/waveform_rows.h"
 
 namespace quillpg {
 
@@ -42,7 +39,7 @@ class QUILLPG_API CWaveformManager {
   Status GetNoOfWaveData(int& count) const;
   int IsEmpty() const;
   /// The row stays the manager's; null and E_FAIL for a bad position.
-  Status GetWaveformData(int row, CWaveformData** data) const;
+  Status GetWaveformData(int row, CWaveformData** data);
   /// Takes the row over on success only; E_FAIL for null.
   Status AddWaveformData(std::unique_ptr<CWaveformData>&& data);
   Status AddWaveformData(const std::string& name, SelectWfmType type, int value);
@@ -113,11 +110,14 @@ class QUILLPG_API CWaveformManager {
   Status Write(std::ostream& stream) const;
 
  private:
-  Status AppendGroupRows(int groupIndex);
-  Status AppendInhibitRow(const std::string& name, int channel);
-  int FindInhibitRow(const std::string& name) const;
+  WAVEFORM_ROWS& OwnRows();
+  std::shared_ptr<WAVEFORM_ROWS> MakeGroupRows() const;
+  Status UpdateInhibitRows(const std::vector<INHIBIT_CONTROL>& controls);
+  Status AppendInhibitRow(const INHIBIT_CONTROL& control);
+  std::vector<INHIBIT_CONTROL> InhibitControls() const;
+  int FindInhibitRow(std::string_view name) const;
 
-  COrderedList<CWaveformData> m_rows;
+  std::shared_ptr<WAVEFORM_ROWS> m_rows;  ///< never null; other blocks may share it
   CInstrument* m_instrument = nullptr;
   CGroupManager* m_groupManager = nullptr;
   CEventHandler* m_eventHandler = nullptr;

@@ -1,0 +1,109 @@
+#include "program/group.h"
+
+#include "base/guard.h"
+#include "program/group_plan.h"
+#include "quillpg/limits.h"
+
+#include <algorithm>
+
+namespace quillpg {
+
+GROUP::GROUP() = default;
+
+GROUP::~GROUP() = default;
+
+GROUP& GROUP::operator=(const GROUP& other) {
+  if (this == &other) return *this;
+  m_name = other.m_name;
+  m_revision.Touch();
+  (void)DeleteAll();  // the channels go, the channel-names text stays: deliberate
+  return *this;
+}
+
+Status GROUP::Initialize() {
+  m_name.clear();
+  m_channelNames.clear();
+  m_revision.Touch();
+  return DeleteAll();
+}
+
+Status GROUP::SetGroupName(const std::string& name) {
+  const Status status = StoreText(m_name, name);
+  m_revision.Touch();
+  return status;
+}
+
+Status GROUP::SetChannelNames(const std::string& text) { return StoreText(m_channelNames, text); }
+
+Status GROUP::AddChannel(int channel, int position) {
+  if (position >= MAX_LIST_POSITIONS) return S_OK;
+  return GuardAllocation([&] {
+    const int place = position < 0 ? GetNoOfChannels() : position;
+    if (place > GetNoOfChannels()) m_channels.resize(static_cast<std::size_t>(place));
+    m_channels.insert(m_channels.begin() + place, channel);
+    m_plan.reset();
+    m_revision.Touch();
+    return S_OK;
+  });
+}
+
+Status GROUP::FindChannel(int channel, int& index) const {
+  const auto found = std::ranges::find(m_channels, channel);
+  index = found == m_channels.end() ? -1 : static_cast<int>(found - m_channels.begin());
+  return index < 0 ? E_FAIL : S_OK;
+}
+
+Status GROUP::DeleteChannel(int channel) {
+  const auto found = std::ranges::find(m_channels, channel);
+  if (found == m_channels.end()) return E_FAIL;
+  m_channels.erase(found);
+  m_plan.reset();
+  m_revision.Touch();
+  return S_OK;
+}
+
+Status GROUP::DeleteAll() {
+  m_channels.clear();
+  m_plan.reset();
+  m_revision.Touch();
+  return S_OK;
+}
+
+void GROUP::GetChannelId(int index, int& channel) const {
+  const bool valid = index >= 0 && index < GetNoOfChannels();
+  channel = valid ? m_channels[static_cast<std::size_t>(index)] : -1;
+}
+
+Status GROUP::GetTextLength(Radix radix, int& length) const {
+  const int channels = GetNoOfChannels();
+  switch (radix) {
+    case Radix::Hex:
+      length = (channels + 3) / 4;
+      break;
+    case Radix::Octal:
+      length = (channels + 2) / 3;
+      break;
+    case Radix::Binary:
+      length = channels;
+      break;
+    default:  // decimal: the caller knows the number of digits
+      break;
+  }
+  return S_OK;
+}
+
+std::uint64_t GROUP::GetSize() const {
+  return m_name.size() + m_channelNames.size() + 4 * m_channels.size() + 14;
+}
+
+// Not built yet.
+Status GROUP::Read(std::istream& /*stream*/) { return E_FAIL; }
+// Not built yet.
+Status GROUP::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+
+const CGroupPlan& GROUP::Plan() const {
+  if (!m_plan) m_plan = std::make_unique<CGroupPlan>(m_channels);
+  return *m_plan;
+}
+
+}  // namespace quillpg

@@ -1,0 +1,261 @@
+#include "program/group_manager.h"
+
+#include "base/text.h"
+#include "instrument/instrument.h"
+#include "program/block_manager.h"
+#include "quillpg/event_handler.h"
+
+#include <utility>
+
+namespace quillpg {
+
+CGroupManager::CGroupManager() = default;
+
+CGroupManager::~CGroupManager() = default;
+
+CGroupManager::CGroupManager(const CGroupManager& /*other*/) : CProgramManager() {}
+
+CGroupManager& CGroupManager::operator=(const CGroupManager& /*other*/) {
+  (void)DeleteAll();  // deliberate: nothing is copied
+  return *this;
+}
+
+// --- look-ups ---
+
+int CGroupManager::Find(std::string_view name) const {
+  if (name.empty()) return m_groups.Find(name);  // the index knows no empty names
+  if (m_indexedRevision != m_groups.Revision()) {
+    const Status indexed = GuardAllocation([&] { return IndexNames(); });
+    if (Failed(indexed)) return m_groups.Find(name);
+  }
+  return m_nameIndex.First(name);
+}
+
+Status CGroupManager::IndexNames() const {
+  m_nameIndex.Clear(m_groups.Count());
+  for (int i = 0; i < m_groups.Count(); ++i) {
+    if (const GROUP* group = m_groups.At(i)) m_nameIndex.Add(group->GetGroupName(), i);
+  }
+  m_indexedRevision = m_groups.Revision();
+  return S_OK;
+}
+
+Status CGroupManager::GetNoOfGroups(int& count) const {
+  count = m_groups.Count();
+  return S_OK;
+}
+
+Status CGroupManager::GetGroupNames(std::vector<std::string>& names) const {
+  return GuardAllocation([&] {
+    names.clear();
+    m_groups.ForEach([&names](const GROUP& group) { names.push_back(group.GetGroupName()); });
+    return S_OK;
+  });
+}
+
+Status CGroupManager::GetGroup(int index, GROUP** group) const {
+  if (!group) return E_FAIL;
+  *group = m_groups.At(index);
+  return *group ? S_OK : E_FAIL;
+}
+
+Status CGroupManager::GetGroup(const std::string& name, GROUP** group) const {
+  return GetGroup(Find(Trim(name)), group);
+}
+
+Status CGroupManager::GetGroupName(int index, std::string& name) const {
+  const GROUP* group = m_groups.At(index);
+  return group ? StoreText(name, group->GetGroupName()) : E_FAIL;
+}
+
+Status CGroupManager::FindGroup(const std::string& name, int& index) const {
+  index = Find(Trim(name));
+  return index < 0 ? E_FAIL : S_OK;
+}
+
+Status CGroupManager::GetGroupPos(const std::string& name, int& index) const {
+  index = -1;
+  for (int i = 0; i < m_groups.Count(); ++i) {
+    const GROUP* group = m_groups.At(i);
+    if (!group) return E_FAIL;
+    if (EqualNoCase(group->GetGroupName(), name)) {
+      index = i;
+      break;
+    }
+  }
+  return S_OK;
+}
+
+Status CGroupManager::CountGroups(const std::string& name, int& count) const {
+  count = name.empty() ? 0 : m_groups.CountNamed(name);
+  return name.empty() ? E_FAIL : S_OK;
+}
+
+Status CGroupManager::IsGroupEmpty(const std::string& name, int& empty) const {
+  empty = 1;
+  const GROUP* group = m_groups.At(Find(Trim(name)));
+  if (!group) return E_FAIL;
+  empty = group->GetNoOfChannels() == 0 ? 1 : 0;
+  return S_OK;
+}
+
+Status CGroupManager::GetNoOfChannels(const std::string& name, int& count) const {
+  const GROUP* group = m_groups.At(Find(Trim(name)));
+  if (!group) return PG_E_NO_GROUP;
+  count = group->GetNoOfChannels();
+  return S_OK;
+}
+
+Status CGroupManager::GetProbeChannelNames(const std::string& name, std::string& text) const {
+  const GROUP* group = m_groups.At(Find(Trim(name)));
+  return group ? StoreText(text, group->GetChannelNames()) : PG_E_NO_GROUP;
+}
+
+Status CGroupManager::GetGroupTextLength(int index, Radix radix, int& length) const {
+  const GROUP* group = m_groups.At(index);
+  return group ? group->GetTextLength(radix, length) : E_FAIL;
+}
+
+Status CGroupManager::GetGroupTextLength(const std::string& name, Radix radix, int& length) const {
+  return GetGroupTextLength(Find(Trim(name)), radix, length);
+}
+
+Status CGroupManager::GetChannelGroup(int channel, int& index) const {
+  int unused = -1;
+  for (index = 0; index < m_groups.Count(); ++index) {
+    const GROUP* group = m_groups.At(index);
+    if (group && !Failed(group->FindChannel(channel, unused))) return S_OK;
+  }
+  index = -1;
+  return E_FAIL;
+}
+
+Status CGroupManager::GetChannelSelectionStatus(int channel, const std::string& groupName,
+                                                ChannelSelection& status) const {
+  status = ChannelSelection::InNoGroup;
+  int holder = -1;
+  if (!Failed(GetChannelGroup(channel, holder))) {
+    status = holder == Find(Trim(groupName)) ? ChannelSelection::InThisGroup
+                                             : ChannelSelection::InOtherGroup;
+  }
+  return S_OK;
+}
+
+// --- changes ---
+
+Status CGroupManager::AddGroup(const std::string& name) {
+  const std::string_view trimmed = Trim(name);
+  if (trimmed.empty()) return E_FAIL;
+  if (Find(trimmed) >= 0) return PG_E_NAME_USED;
+  return Insert(m_groups.Count(), trimmed);
+}
+
+Status CGroupManager::InsertGroup(int position, const std::string& name) {
+  const std::string_view trimmed = Trim(name);
+  // Deliberate: an empty name passes, and a known one is not reported as AddGroup does.
+  if (!trimmed.empty() && Find(trimmed) >= 0) return E_FAIL;
+  return Insert(position, trimmed);
+}
+
+Status CGroupManager::Insert(int position, std::string_view name) {
+  const bool appendToIndex =
+      position == m_groups.Count() && m_indexedRevision == m_groups.Revision();
+  const Status status = GuardAllocation([&] {
+    auto group = std::make_unique<GROUP>();
+    const Status named = group->SetGroupName(std::string(name));
+    return Failed(named) ? named : m_groups.Insert(position, std::move(group));
+  });
+  if (Failed(status)) return status;
+  if (appendToIndex) {
+    (void)GuardAllocation([&] {  // out of memory: the index is built anew at the next look-up
+      m_nameIndex.Add(m_groups.At(position)->GetGroupName(), position);
+      m_indexedRevision = m_groups.Revision();
+      return S_OK;
+    });
+  }
+  UpdateListingState();
+  return S_OK;
+}
+
+Status CGroupManager::SetGroup(int index, GROUP* group) {
+  if (!group) return E_FAIL;
+  const Status status = GuardAllocation([&] {
+    const std::string name(Trim(group->GetGroupName()));
+    if (name != group->GetGroupName()) (void)group->SetGroupName(name);
+    GROUP* target = m_groups.At(index);
+    if (!target || m_groups.IsNamedElsewhere(name, index)) return E_FAIL;
+    *target = *group;
+    return S_OK;
+  });
+  if (!Failed(status)) UpdateListingState();
+  return status;
+}
+
+Status CGroupManager::SetGroupName(int index, const std::string& newName) {
+  return GuardAllocation([&] {
+    const std::string name(Trim(newName));
+    if (name.empty()) return E_FAIL;
+    if (Find(name) >= 0) return PG_E_NAME_USED;
+    GROUP* group = m_groups.At(index);
+    if (!group) return E_FAIL;
+    const std::string oldName = group->GetGroupName();
+    (void)group->SetGroupName(name);
+    Tell([&](CEventHandler& handler) { handler.OnGroupRenamed(oldName, name); });
+    RenameGroupStates(oldName, name);
+    return S_OK;
+  });
+}
+
+void CGroupManager::RenameGroupStates(const std::string& oldName,
+                                      const std::string& newName) const {
+  CBlockManager* blocks = nullptr;
+  if (!Instrument() || Failed(Instrument()->GetBlockManager(&blocks)) || !blocks) return;
+  int count = 0;
+  (void)blocks->GetNoOfBlocks(count);
+  for (int i = 0; i < count; ++i) {
+    BLOCK* block = nullptr;
+    GROUP_STATE* state = nullptr;
+    (void)blocks->GetBlock(i, &block);
+    if (block && block->GetGroupState(oldName, &state)) (void)state->SetGroupName(newName);
+  }
+}
+
+Status CGroupManager::DeleteGroup(int index) {
+  const GROUP* group = m_groups.At(index);
+  if (!group) return E_FAIL;
+  const std::string name = group->GetGroupName();
+  Tell([&](CEventHandler& handler) { handler.OnGroupDeleted(name); });
+  (void)m_groups.Remove(m_groups.PositionOf(group, index));  // the handler may have deleted it
+  UpdateListingState();
+  return S_OK;
+}
+
+Status CGroupManager::DeleteAllGroups() {
+  for (int left = m_groups.Count(); left > 0; --left) {
+    if (Failed(DeleteGroup(0))) (void)m_groups.Remove(0);  // an empty slot goes silently
+  }
+  return S_OK;
+}
+
+Status CGroupManager::DeleteAll() {
+  m_groups.Clear();
+  return S_OK;
+}
+
+void CGroupManager::UpdateListingState() const {
+  if (Instrument()) (void)Instrument()->UpdateListingState();  // S_OK always
+}
+
+// --- setup file ---
+
+Status CGroupManager::GetSize(std::uint64_t& size) const {
+  size = 4 + m_groups.SizeOfAll();
+  return S_OK;
+}
+
+// Not built yet.
+Status CGroupManager::Read(std::istream& /*stream*/) { return E_FAIL; }
+// Not built yet.
+Status CGroupManager::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+
+}  // namespace quillpg

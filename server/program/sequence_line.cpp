@@ -1,0 +1,58 @@
+#include "program/sequence_line.h"
+
+#include "base/guard.h"
+
+namespace quillpg {
+
+Status SEQUENCE_LINE::Initialize() {
+  *this = SEQUENCE_LINE();
+  return S_OK;
+}
+
+Status SEQUENCE_LINE::SetRepeatCount(int count) {
+  m_repeatCount = count;
+  m_modified.Set();
+  return S_OK;
+}
+
+Status SEQUENCE_LINE::SetSignalValue(SignalValue value) {
+  m_signalValue = value;
+  m_modified.Set();
+  return S_OK;
+}
+
+Status SEQUENCE_LINE::SetLabel(const std::string& text) { return SetText(m_label, text); }
+Status SEQUENCE_LINE::SetWaitFor(const std::string& text) { return SetText(m_waitFor, text); }
+Status SEQUENCE_LINE::SetOutput(const std::string& text) { return SetText(m_output, text); }
+Status SEQUENCE_LINE::SetJumpIf(const std::string& text) { return SetText(m_jumpIf, text); }
+Status SEQUENCE_LINE::SetJumpTo(const std::string& text) { return SetText(m_jumpTo, text); }
+
+Status SEQUENCE_LINE::SetModified(int flag) {
+  m_modified.Store(flag);
+  return S_OK;
+}
+
+bool SEQUENCE_LINE::IsEmpty() const {
+  return m_label.empty() && m_waitFor.empty() && m_output.empty() && m_jumpIf.empty() &&
+         m_jumpTo.empty();
+}
+
+std::uint64_t SEQUENCE_LINE::GetSize() const {
+  return m_label.size() + m_waitFor.size() + m_output.size() + m_jumpIf.size() + m_jumpTo.size() +
+         33;
+}
+
+// Not built yet.
+Status SEQUENCE_LINE::Read(std::istream& /*stream*/) { return E_FAIL; }
+// Not built yet.
+Status SEQUENCE_LINE::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+
+Status SEQUENCE_LINE::SetText(std::string& field, const std::string& text) {
+  const Status status = StoreText(field, text);
+  if (Failed(status)) return status;
+  m_modified.Set();
+  m_revision.Touch();
+  return S_OK;
+}
+
+}  // namespace quillpg

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "base/ordered_list.h"
+#include "program/waveform_data.h"
+#include "quillpg/engine_types.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quillpg {
+
+using WAVEFORM_ROWS = COrderedList<CWaveformData>;
+
+/// A channel that switches a pod to high impedance, as its instrument reports it.
+struct INHIBIT_CONTROL {
+  int channel = -1;
+  std::string name;
+
+  bool operator==(const INHIBIT_CONTROL&) const = default;
+};
+
+/// Row lists that the blocks of one instrument share, since most of thousands of blocks show the
+/// same rows. Kept by the group manager; a layer copies a list before it changes it.
+struct WAVEFORM_ROW_CACHE {
+  // The rows of all groups, and what they were made from.
+  std::shared_ptr<WAVEFORM_ROWS> groupRows;
+  std::uint64_t groupRevision = 0;
+  ChannelMode channelMode = ChannelMode::Full;
+  int modules = 0;
+
+  // What the last update of inhibit rows made `updated` from.
+  std::shared_ptr<WAVEFORM_ROWS> outdated;
+  std::uint64_t updateRevision = 0;
+  std::vector<INHIBIT_CONTROL> controls;
+  std::shared_ptr<WAVEFORM_ROWS> updated;
+};
+
+}  // namespace quillpg
