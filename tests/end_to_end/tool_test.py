@@ -1,0 +1,254 @@
+#!/usr/bin/env python3
+"""The tool as its user meets it: exit statuses, files that are left or not, interrupts, the progress bar.
+Usage: tool_test.py TOOL"""
+import os
+import pty
+import signal
+import subprocess
+import time
+import unittest
+
+from harness import CAPTURES, CLOCK, TOOL, ToolTest, dump
+import vcd
+
+ONE = [(1, "!", "A")]
+
+
+class Usage(ToolTest):
+    ROWS = [  # arguments, exit status, what must stand on stdout or stderr
+        ([], 2, "subcommand"),
+        (["--help"], 0, "modules"),
+        (["run", "--help"], 0, "--max-vectors"),
+        (["check", "--help"], 0, "FILE"),
+        (["modules", "--help"], 0, "modules"),
+        (["--version"], 0, "quillpg 1."),
+        (["play"], 2, "play"),
+        (["run"], 2, "FILE"),
+        (["run", "clock.vcd", "more.vcd"], 2, "more.vcd"),
+        (["run", "clock.vcd", "--max-vectors", "0"], 2, "max-vectors"),
+        (["run", "clock.vcd", "--max-vectors", "9223372036854775808"], 2, "max-vectors"),
+        (["run", "clock.vcd", "--step", "0"], 2, "step"),
+        (["run", "clock.vcd", "--step", "2147483648"], 2, "step"),
+        (["run", "clock.vcd", "--period", "soon"], 2, "soon"),
+        (["run", "clock.vcd", "--period", "-1us"], 2, "1us"),
+        (["run", "clock.vcd", "--period", "3s"], 2, "--period"),  # above the clock's range
+        (["run", "clock.vcd", "--stimulus", "none.txt"], 2, "none.txt"),
+        (["check", "clock.vcd", "--vcd", "x"], 2, "--vcd"),
+        (["run", "none.vcd"], 2, "none.vcd"),
+        (["run", "."], 2, "folder"),
+        (["check", "none.vcd"], 2, "none.vcd"),
+    ]
+
+    def test_exit_status_and_word(self):
+        self.write("clock.vcd", CLOCK)
+        for arguments, status, word in self.ROWS:
+            with self.subTest(arguments=arguments):
+                done = self.run_tool(*arguments)
+                self.assertEqual(status, done.returncode, done.stderr)
+                self.assertIn(word, done.stdout + done.stderr)
+                if status != 0:
+                    self.assertEqual("", done.stdout)
+                self.assertEqual(["clock.vcd"], self.files())
+
+
+class Outputs(ToolTest):
+    def test_what_cannot_be_written_is_refused_and_nothing_is_left(self):
+        self.write("clock.vcd", CLOCK)
+        (self.folder / "folder").mkdir()
+        before = self.files()
+        for out in ("missing/out.vcd", "folder", "/dev/full", "clock.vcd", "./clock.vcd", "/proc/out.vcd"):
+            for option in ("--vcd", "--trace"):
+                with self.subTest(out=out, option=option):
+                    done = self.run_tool("run", "clock.vcd", option, out)
+                    self.assertEqual(2, done.returncode)
+                    self.assertIn(os.path.basename(out), done.stderr)
+                    self.assertEqual(before, self.files())
+        self.assertEqual(2, self.run_tool("run", "clock.vcd", "--vcd", "x", "--trace", "x").returncode)
+        self.assertEqual(CLOCK, (self.folder / "clock.vcd").read_text())
+
+    def test_full_standard_output_is_an_error(self):
+        with open("/dev/full", "w") as full:
+            done = subprocess.run([TOOL, "modules"], stdout=full, stderr=subprocess.PIPE, text=True)
+        self.assertEqual(2, done.returncode)
+        self.assertIn("standard output", done.stderr)
+
+    def test_a_refused_capture_leaves_the_old_output(self):
+        self.write("bad.vcd", CLOCK.replace("$enddefinitions $end", ""))
+        self.write("pins.vcd", "kept")
+        done = self.run_tool("run", "bad.vcd", "--vcd", "pins.vcd", "--trace", "calls")
+        self.assertEqual(2, done.returncode)
+        self.assertEqual(["bad.vcd", "pins.vcd"], self.files())
+        self.assertEqual("kept", (self.folder / "pins.vcd").read_text())
+
+    def test_a_link_stays_a_link(self):
+        self.write("clock.vcd", CLOCK)
+        self.write("real", "")
+        for option in ("--vcd", "--trace"):
+            link = self.folder / "link"
+            link.unlink(missing_ok=True)
+            link.symlink_to("real")
+            self.assertEqual(0, self.run_tool("run", "clock.vcd", option, "link").returncode)
+            self.assertTrue(link.is_symlink())
+            self.assertTrue((self.folder / "real").read_text())
+
+
+class Inputs(ToolTest):
+    HEAD = "$timescale 1us $end $var wire 1 ! A $end $enddefinitions $end\n"
+    BAD = [  # content, what must be said
+        (b"", "bad.vcd"),
+        (b"\0\1\2\xff" * 4096, "bad.vcd"),
+        (b"A text of somebody else\n", "bad.vcd"),
+        (HEAD[:30], "bad.vcd"),
+        (HEAD, "bad.vcd"),  # not one stamp
+        (HEAD + "#0\n0!\n#5\n1!\n#4\n0!\n#9\n", "bad.vcd:6"),  # time runs back
+        (HEAD + "#0\n0!\n#99999999999999999999999\n", "bad.vcd:4"),
+        (HEAD + "#0\n0!\nq!\n#9\n", "bad.vcd:4"),
+        (HEAD.replace("wire 1", "wire 100000000") + "#0\nb1 !\n#9\n", "100"),
+        (HEAD.replace("1us", "3us") + "#0\n0!\n#9\n", "bad.vcd:1"),
+    ]
+
+    def test_bad_captures_are_refused_with_file_and_line(self):
+        for content, word in self.BAD:
+            with self.subTest(content=content[:80]):
+                self.write("bad.vcd", content)
+                done = self.run_tool("run", "bad.vcd", "--vcd", "pins.vcd")
+                self.assertEqual(2, done.returncode)
+                self.assertIn(word, done.stderr)
+                self.assertEqual(["bad.vcd"], self.files())
+
+    def test_one_notice_a_signal(self):
+        self.write("odd.vcd", dump("1 us", [(1, "!", "A"), (4, '"', "B"), (64, "#", "R")],
+                                   [(0, ["x!", 'bz "']), (50, ["1!", 'bx1 "']), (60, ["z!"])], 100)
+                   .replace("wire 64", "real 64"))
+        done = self.run_tool("run", "odd.vcd", "--vcd", "pins.vcd")
+        self.assertEqual(0, done.returncode)
+        self.assertEqual(3, done.stderr.count("notice"), done.stderr)
+        pins, length = vcd.Vcd(self.folder / "pins.vcd").samples(1_000_000, {})
+        self.assertEqual((100, [(0, "0"), (50, "1"), (60, "0")]), (length, pins["A"]))
+
+    STIMULI = [  # content, line of the fault or None
+        ("", None),
+        ("# nothing\n\n  \n0\t000000000\r\n5\t111111111\n", None),
+        ("0\t00000000\n", 1),
+        ("0\t0000000000\n", 1),
+        ("0\t00000000x\n", 1),
+        ("0 000000000\n", 1),
+        ("-1\t000000000\n", 1),
+        ("0x5\t000000000\n", 1),
+        ("5\t000000000\n\n5\t111111111\n", 3),
+        ("7\t000000000\n6\t111111111\n", 2),
+        ("9223372036854775808\t000000000\n", 1),
+        ("9223372036854775807\t000000000\n", None),
+    ]
+
+    def test_stimulus_lines(self):
+        self.write("clock.vcd", CLOCK)
+        for content, line in self.STIMULI:
+            with self.subTest(content=content):
+                self.write("events", content)
+                done = self.run_tool("run", "clock.vcd", "--stimulus", "events")
+                self.assertEqual(0 if line is None else 2, done.returncode, done.stderr)
+                self.assertIn("" if line is None else f"events:{line}:", done.stderr)
+
+
+class Plays(ToolTest):
+    def length(self, *options):
+        done = self.run_tool("run", "clock.vcd", "--vcd", "pins.vcd", *options)
+        self.assertEqual((0, ""), (done.returncode, done.stderr))
+        return vcd.Vcd(self.folder / "pins.vcd").samples(1_000_000, {})[1]
+
+    def test_vectors_that_are_played(self):
+        self.write("clock.vcd", CLOCK)
+        for options, samples in [([], 200), (["--max-vectors", "1"], 1), (["--max-vectors", "199"], 199),
+                                 (["--max-vectors", "1000000"], 200), (["--step", "1"], 200),
+                                 (["--step", "150", "--max-vectors", "151"], 151),
+                                 (["--period", "500ns"], 200), (["--period", "1e-6"], 200)]:
+            with self.subTest(options=options):
+                self.assertEqual(samples, self.length(*options))
+
+    def test_check_prints_the_output_window(self):
+        done = self.run_tool("check", CAPTURES / "uart_text.vcd")
+        self.assertEqual((0, ""), (done.returncode, done.stderr))
+        lines = done.stdout.splitlines()
+        self.assertTrue(lines[0].startswith("Compiling "), done.stdout)
+        self.assertIn("0", lines[-1])
+
+    def test_modules_lists_the_mainframe(self):
+        done = self.run_tool("modules")
+        rows = [line.split() for line in done.stdout.splitlines()]
+        self.assertEqual(["3", "5", "7", "9", "11"], [row[0] for row in rows[1:]])
+        self.assertTrue(all("262140" in row for row in rows[1:]))
+
+    def test_quiet_says_nothing(self):
+        self.write("clock.vcd", CLOCK)
+        done = self.run_tool("run", "clock.vcd", "--quiet")
+        self.assertEqual(("", "", 0), (done.stdout, done.stderr, done.returncode))
+
+
+class Terminal(ToolTest):
+    def standard_error(self, *arguments):
+        """What the command writes to standard error when that is a terminal."""
+        leader, follower = pty.openpty()
+        process = subprocess.Popen([TOOL, *map(str, arguments)], cwd=self.folder, stderr=follower,
+                                   stdout=subprocess.DEVNULL)
+        os.close(follower)
+        shown = b""
+        try:
+            while chunk := os.read(leader, 65536):
+                shown += chunk
+        except OSError:  # the other side is gone
+            pass
+        os.close(leader)
+        self.assertEqual(0, process.wait(60))
+        return shown
+
+    def test_bar_only_on_a_terminal_and_gone_at_the_end(self):
+        capture = CAPTURES / "memory_bus.vcd"
+        shown = self.standard_error("run", capture)
+        self.assertIn(b"%", shown)
+        self.assertTrue(shown.endswith(b"\r\x1b[K"), shown[-80:])
+        self.assertEqual(b"", self.standard_error("run", capture, "--quiet"))
+        self.assertEqual("", self.run_tool("run", capture).stderr)
+
+
+class Interrupts(ToolTest):
+    def interrupt(self, process):
+        process.send_signal(signal.SIGINT)
+        return process
+
+    def finish(self, process):
+        status = process.wait(20)
+        process.stderr.close()
+        return status
+
+    def start(self, *arguments):
+        return subprocess.Popen([TOOL, *arguments], cwd=self.folder, stdout=subprocess.DEVNULL,
+                                stderr=subprocess.PIPE)
+
+    def test_during_the_import(self):
+        os.mkfifo(self.folder / "pipe")
+        process = self.start("run", "pipe", "--vcd", "pins.vcd", "--trace", "calls")
+        with open(self.folder / "pipe", "w") as pipe:
+            pipe.write(CLOCK)
+            pipe.flush()
+            self.interrupt(process)
+            time.sleep(0.2)
+            try:
+                for stamp in range(300, 2_000_000):
+                    pipe.write(f"#{stamp}\n{stamp % 2}!\n")
+            except BrokenPipeError:
+                pass
+        self.assertEqual(130, self.finish(process))
+        self.assertEqual(["pipe"], self.files())
+
+    def test_during_the_play(self):
+        self.write("long.vcd", dump("1 us", ONE, [(0, ["0!"]), (10**9, ["1!"])], 2 * 10**9))
+        process = self.start("run", "long.vcd", "--step", "1", "--vcd", "pins.vcd")
+        time.sleep(0.5)
+        self.interrupt(process)
+        self.assertEqual(130, self.finish(process))
+        self.assertEqual(["long.vcd"], self.files())
+
+
+if __name__ == "__main__":
+    unittest.main()
