@@ -87,13 +87,9 @@ TEST(Radix, ParsesWhateverTextComes) {
       {"7G12345678", 36, Radix::Hex, "712345678"},
       {"8", 6, Radix::Octal, "00"},
       {"77777777777", 33, Radix::Octal, "1FFFFFFFF"},  // 10 digits and one more
-      {"1"
-       "0000000000",
-       31, Radix::Octal, "40000000"},
+      {"10000000000", 31, Radix::Octal, "40000000"},
       {"10201", 8, Radix::Binary, "02"},
-      {"1"
-       "00000000000000000000000000000002",
-       33, Radix::Binary, "100000000"},
+      {"100000000000000000000000000000002", 33, Radix::Binary, "100000000"},
       {"0", 16, Radix::Decimal, "0000"},
       {"1023", 10, Radix::Decimal, "3FF"},
       {"1024", 10, Radix::Decimal, "000"},
