@@ -12,6 +12,7 @@ namespace quillpg::bench {
 int RunAndPrintRatios();
 
 // Each topic registers itself here and is called in main.
+void RegisterGroupTextBenches();
 void RegisterPackingBenches();
 }  // namespace quillpg::bench
 
@@ -19,6 +20,7 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
 
+  quillpg::bench::RegisterGroupTextBenches();
   quillpg::bench::RegisterPackingBenches();
   return quillpg::bench::RunAndPrintRatios();
 }

@@ -108,6 +108,18 @@ Status BLOCK::ResizeBlock(int size, char fill) {
   return S_OK;
 }
 
+Status BLOCK::Reshape(int size, int width, char fill, BUFFER& oldData) {
+  oldData = std::move(m_data);
+  if (size != m_size) {
+    m_listingState.firstReference = 1;
+    m_listingState.secondReference = size;
+  }
+  m_size = size;
+  m_width = width;
+  m_changed.Set();
+  return AllocateBlockData(fill);
+}
+
 Status BLOCK::Copy(BLOCK& target) const {
   if (this == &target) return S_OK;
   BUFFER data;

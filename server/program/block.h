@@ -12,7 +12,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace quillpg {
 
@@ -46,17 +45,7 @@ struct QUILLPG_API BLOCK {
   /// Gives the block another size and width with fresh data and hands the old data out; the
   /// references follow a change of size only. Marks the block changed and returns the allocation's
   /// status.
-  Status Reshape(int size, int width, char fill, std::unique_ptr<std::uint8_t[]>& oldData) {
-    oldData = std::move(m_data);
-    if (size != m_size) {
-      m_listingState.firstReference = 1;
-      m_listingState.secondReference = size;
-    }
-    m_size = size;
-    m_width = width;
-    m_changed.Set();
-    return AllocateBlockData(fill);
-  }
+  Status Reshape(int size, int width, char fill, std::unique_ptr<std::uint8_t[]>& oldData);
 
   /// Copies size, name, width, listing state and data into `target`; not used, changed or waveform
   /// rows. Returns the allocation's status; a failed copy leaves the target as it was.
