@@ -38,12 +38,14 @@ class QUILLPG_API CModuleSettings {
   /// `place` is one that Place gave.
   double At(Setting setting, int place = 0) const { return Row(setting)[Checked(place)]; }
   void Store(Setting setting, int place, double value);
+  /// Takes over all values of `other`.
+  void Assign(const CModuleSettings& other);
 
   /// Truth value and whole number of a setting of the whole module.
   bool IsOn(Setting setting) const { return At(setting) != 0; }
   int Number(Setting setting) const;
 
-  /// Changes with every Store.
+  /// Rises with every change.
   std::uint64_t Revision() const { return m_revision; }
 
  private:

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "hardware/simulation/call_sink.h"
+
+#include <string>
+
+namespace quillpg {
+
+/// Appends a number as the shortest decimal that reads back, anything else as it stands.
+void AppendPlain(std::string& out, const CALL_ARGUMENT& argument);
+
+/// Appends the argument as JSON: letters and texts as strings, numbers as the shortest decimal that
+/// reads back, null for a number that JSON has no notation for.
+void AppendJson(std::string& out, const CALL_ARGUMENT& argument);
+
+}  // namespace quillpg
