@@ -25,7 +25,7 @@ constexpr double kOutputLevelResolution = 0.1;  // volts
 CModule::CModule(const CModule& other) : m_sorrelModule(other.m_sorrelModule) {}
 
 CModule& CModule::operator=(const CModule& other) {
-  m_sorrelModule = other.m_sorrelModule;  // and nothing else: meant so
+  if (this != &other) m_sorrelModule = other.m_sorrelModule;  // and nothing else: meant so
   return *this;
 }
 
