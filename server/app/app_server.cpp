@@ -1,16 +1,14 @@
 #include "quillpg/app_server.h"
 
-#include "app/instrument_walk.h"
 #include "app/version_info.h"
 #include "base/guard.h"
 #include "compiler/compiler.h"
 #include "exchange/export_manager.h"
 #include "exchange/import_manager.h"
 #include "hardware/hardware_library.h"
-#include "hardware/module.h"
 #include "hardware/module_manager.h"
 #include "hardware/server2hal.h"
-#include "instrument/instrument.h"
+#include "instrument/instrument_manager.h"
 #include "instrument/merge_manager.h"
 #include "persistence/file_manager.h"
 #include "persistence/visa_stub_gen.h"
@@ -40,13 +38,6 @@ Status Give(T* object, T** result) {
   if (!result) return E_FAIL;
   *result = object;
   return S_OK;
-}
-
-// A pod that got another type, or lost its probe, changes which channels inhibit pods.
-void UpdateInhibitControls(const CInstrumentManager* instruments) {
-  ForEachInstrument(instruments, [](CInstrument& instrument) {
-    (void)instrument.UpdateInhibitControlList();  // rebuilds what it can
-  });
 }
 
 }  // namespace
@@ -133,13 +124,6 @@ Status CAppServer::GetMessageRouter(CMessageRouter** router) {
   return Give(m_messageRouter, router);
 }
 
-Status CAppServer::InitializeModules() {
-  if (!m_moduleManager) return E_FAIL;
-  const Status status = m_moduleManager->InitializeModules();
-  UpdateInhibitControls(m_instrumentManager.get());
-  return status;
-}
-
 Status CAppServer::GetHardwareManager(CHardwareManager** manager) {
   return manager ? CHardwareManager::GetHardwareManager(manager) : E_FAIL;
 }
@@ -192,23 +176,6 @@ Status CAppServer::GetMergeManager(CMergeManager** manager) {
   if (!manager) return E_FAIL;
   if (m_mergeManager) (void)m_mergeManager->Initialize(m_instrumentManager.get());
   return Give(m_mergeManager.get(), manager);
-}
-
-Status CAppServer::UpdateProbes() {
-  Status status = S_OK;
-  int count = 0;
-  if (!m_moduleManager || m_moduleManager->GetNoOfModules(count) != S_OK) status = E_FAIL;
-  for (int i = 0; status == S_OK && i < count; ++i) {
-    CModule* module = nullptr;
-    (void)m_moduleManager->GetModuleAt(i, &module);  // the pointer tells
-    if (module) {
-      (void)module->UpdateProbes();  // a module without hardware keeps its probes: no failure
-    } else {
-      status = E_FAIL;
-    }
-  }
-  UpdateInhibitControls(m_instrumentManager.get());
-  return status;
 }
 
 void CAppServer::SetStatusMessage(const std::string& text) {
