@@ -1,0 +1,144 @@
+#include "app/message_service.h"
+
+#include "app/message_catalogue.h"
+#include "hardware/hardware_library.h"
+#include "support/scripted_host.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quillpg {
+namespace {
+
+class MessageService : public testing::Test {
+ protected:
+  MessageService() {
+    GblClientConnected = 0;
+    CHostServices::Set(&m_host);
+  }
+  ~MessageService() override {
+    GblClientConnected = 0;
+    CHostServices::Set(nullptr);
+    CMessageService::SetReportFormats("", "", "");
+  }
+
+  CScriptedHost m_host;
+};
+
+TEST(MessageCatalogue, KeepsTextsLetterForLetter) {
+  struct Row {
+    int number;
+    std::string_view text;
+  };
+  const Row rows[] = {
+      {11999, ""},
+      {12000, "True"},
+      {12032, "Event Definition For "},  // blank at the end
+      {12071, "Setup Information for Module  %s"},
+      {12078, "Group name (  %s ) Does not exist."},
+      {12079, "Group Name ( %s ) exists but differ insize."},
+      {12085, "\x5C"},  // one backslash
+      {12086,
+       "\x5CStringFileInfo\x5C"
+       "040904B0\x5C"},
+      {12089,
+       "Internal Application error has occured.\x0A"
+       "Close the application and try again."},
+      {12090, "A block and a subsequence cannot have the same name. "},
+      {12114, " (with %d Expansion Frames)"},
+      {12125, "There is no porgram data present in this file. Do you want to load it anyway ?"},
+      {12132, "Exporting vector data: %d%%complete."},  // no blank, unlike its neighbour
+      {12133, "Importing vector data: %d%% complete."},
+      {12147, "MF/Slot-%d:"},
+      {12148,
+       "An unknown error occurred while reading data from the file. Please contact technical "
+       "support."},
+      {12149, ""},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.number);
+    EXPECT_EQ(GetBuiltInText(row.number), row.text);
+  }
+  for (int number = 12000; number <= 12148; ++number) {
+    EXPECT_FALSE(GetBuiltInText(number).empty()) << number;
+  }
+}
+
+TEST_F(MessageService, PassesBoxesOnWithTheirHelpContext) {
+  m_host.answers = {ANSWER_NO, ANSWER_OK, ANSWER_OK};
+  m_host.texts[12093] = "localised";
+  EXPECT_EQ(CMessageService::ShowMessage(12093, BOX_YESNO, -1, ANSWER_YES), ANSWER_NO);
+  (void)CMessageService::ShowMessage(12138, BOX_OK, 7, ANSWER_OK);
+  (void)CMessageService::ShowText("100 % own", BOX_OK, -1, ANSWER_OK);
+  (void)CMessageService::ShowMessage(1, BOX_OK, -1, ANSWER_OK);
+
+  ASSERT_EQ(m_host.boxes.size(), 4U);
+  EXPECT_EQ(m_host.boxes[0].text, "localised");
+  EXPECT_EQ(m_host.boxes[0].helpContext, 12093);  // -1 stands for the number
+  EXPECT_EQ(m_host.boxes[1].helpContext, 7);
+  EXPECT_EQ(m_host.boxes[2].text, "100 % own");
+  EXPECT_EQ(m_host.boxes[2].helpContext, -1);  // a text has no number of its own
+  EXPECT_EQ(m_host.boxes[3].text, "");         // unknown number: an empty box
+}
+
+TEST_F(MessageService, AsksAndTellsInTheUsualManner) {
+  m_host.answers = {ANSWER_OK, ANSWER_NO, ANSWER_YES};
+  CMessageService::Notice(MSG_INTERNAL_ERROR);
+  EXPECT_FALSE(CMessageService::Ask(MSG_ROW_SIZE_MISMATCH));
+  EXPECT_TRUE(CMessageService::Ask("Data and Bus differ"));
+  EXPECT_EQ(m_host.boxes[0].style, 0);
+  EXPECT_EQ(m_host.boxes[0].defaultAnswer, 1);
+  EXPECT_EQ(m_host.boxes[1].style, 4);
+  EXPECT_EQ(m_host.boxes[1].defaultAnswer, 6);
+}
+
+TEST_F(MessageService, StaysSilentForARemoteClient) {
+  GblClientConnected = -1;  // any non-zero value
+  m_host.answers = {ANSWER_NO};
+  EXPECT_EQ(CMessageService::ShowMessage(12093, BOX_YESNO, -1, ANSWER_YES), ANSWER_YES);
+  EXPECT_EQ(CMessageService::ShowText("text", BOX_OK, -1, ANSWER_OK), ANSWER_OK);
+  CMessageService::SetReportFormats("", "%s", "");
+  CMessageService::ReportWarning("careful");
+  EXPECT_TRUE(m_host.boxes.empty());
+}
+
+TEST_F(MessageService, FillsReportFormatsOfAnyKind) {
+  struct Row {
+    const char* format;
+    const char* text;
+  };
+  const Row rows[] = {
+      {"Warning: %s", "Warning: 50%n"},
+      {"", ""},                  // none set
+      {"%s %s %n", "50%n  %n"},  // more than there are arguments
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.format);
+    m_host.boxes.clear();
+    CMessageService::SetReportFormats("", row.format, "");
+    CMessageService::ReportWarning("50%n");
+    ASSERT_EQ(m_host.boxes.size(), 1U);
+    EXPECT_EQ(m_host.boxes[0].text, row.text);
+    EXPECT_EQ(m_host.boxes[0].style, 0x40);
+  }
+}
+
+TEST_F(MessageService, FatalReportsEndTheProcess) {
+  CHostServices::Set(nullptr);  // the headless default prints to standard error
+  CMessageService::SetReportFormats("I(%s:%d) %s", "", "E(%s:%d) %s");
+  const auto exited = testing::ExitedWithCode(1);
+  using testing::HasSubstr;
+  EXPECT_EXIT(CMessageService::ReportInternalError("c:\\work\\block.cpp", 12, "lost"), exited,
+              HasSubstr("I(block.cpp:12) lost"));
+  EXPECT_EXIT(CMessageService::ReportEnvironmentError("/work/block.cpp", 12, "lost"), exited,
+              HasSubstr("E(/work/block.cpp:12) lost"));  // only backslashes are cut at
+  EXPECT_EXIT(CMessageService::ReportInternalError("c:\\work\\", 3, "x"), exited,
+              HasSubstr("I(:3) x"));
+  EXPECT_EXIT(CMessageService::ReportInternalError(nullptr, 3, "x"), exited, HasSubstr("I(:3) x"));
+  GblClientConnected = 1;
+  EXPECT_EXIT(CMessageService::ReportInternalError("block.cpp", 12, "lost"), exited,
+              testing::IsEmpty());
+}
+
+}  // namespace
+}  // namespace quillpg

@@ -1,0 +1,170 @@
+#include "app/version_info.h"
+
+#include "hardware/hardware_library.h"
+#include "support/scripted_host.h"
+
+#include <gtest/gtest.h>
+
+namespace quillpg {
+namespace {
+
+class CTestedVersionInfo : public CVersionInfo {
+ public:
+  using CVersionInfo::ConvertStringToNumericVersionNo;
+  using CVersionInfo::GetInternalProductVersionNo;
+};
+
+class VersionInfo : public testing::Test {
+ protected:
+  VersionInfo() {
+    GblClientConnected = 0;
+    CHostServices::Set(&m_host);
+  }
+  ~VersionInfo() override { CHostServices::Set(nullptr); }
+
+  // Lets the host answer with the built-in resource after `change` went over it.
+  void Alter(std::function<bool(VERSION_RESOURCE&)> change) {
+    m_host.versionResource = [this, change](VERSION_RESOURCE& resource) {
+      (void)m_host.CHostServices::GetVersionResource(resource);
+      return change(resource);
+    };
+  }
+
+  // Company, product, copyright, trademark, software version, joined by "|".
+  static std::string Fields(CVersionInfo& info) {
+    std::string all;
+    std::string text;
+    for (const auto get :
+         {&CVersionInfo::GetCompanyName, &CVersionInfo::GetProductName, &CVersionInfo::GetCopyright,
+          &CVersionInfo::GetTradeMark, &CVersionInfo::GetSoftwareVersion}) {
+      EXPECT_EQ((info.*get)(text), S_OK);
+      all += text + "|";
+    }
+    return all;
+  }
+
+  CScriptedHost m_host;
+};
+
+TEST_F(VersionInfo, FieldsComeWithInitialize) {
+  CTestedVersionInfo info;
+  EXPECT_EQ(Fields(info), "|||||");
+  for (int run = 0; run < 2; ++run) {  // running it again changes nothing
+    EXPECT_EQ(info.Initialize(), S_OK);
+    EXPECT_EQ(Fields(info),
+              "Quillmark|Quillmark Pattern Generator|Copyright (C) Quillmark|"
+              "Quillmark is a trademark of Quillmark.|1.1.008|");
+  }
+  unsigned long high = 0;
+  unsigned long low = 0;
+  (void)info.GetInternalProductVersionNo(high, low);
+  EXPECT_EQ(high, 65537U);
+  EXPECT_EQ(low, 8U);
+  EXPECT_TRUE(m_host.boxes.empty());
+}
+
+TEST_F(VersionInfo, MissingDataShiftsFieldsAndTellsOncePerQuery) {
+  struct Row {
+    const char* what;
+    std::function<bool(VERSION_RESOURCE&)> change;
+    std::size_t boxes;
+    const char* fields;
+  };
+  const Row rows[] = {
+      {"no resource", [](VERSION_RESOURCE&) { return false; }, 1, "|||||"},
+      {"not present", [](VERSION_RESOURCE& resource) { return resource.present = false, true; }, 1,
+       "|||||"},
+      {"no fixed block, no trademark",
+       [](VERSION_RESOURCE& resource) {
+         resource.fixedBlockPresent = false;
+         return resource.values.erase("LegalTrademarks") == 1;
+       },
+       2, "Quillmark|1.1.008|Copyright (C) Quillmark|server||"},
+      {"empty company",
+       [](VERSION_RESOURCE& resource) { return resource.values["CompanyName"].clear(), true; }, 1,
+       "Quillmark Pattern Generator Engine|1.1.008|Quillmark is a trademark of Quillmark.|"
+       "server||"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    m_host.boxes.clear();
+    Alter(row.change);
+    CTestedVersionInfo info;
+    (void)info.Initialize();
+    EXPECT_EQ(Fields(info), row.fields);
+    EXPECT_EQ(m_host.boxes.size(), row.boxes);
+    std::string build;
+    (void)info.GetBuildVersion(build);
+    EXPECT_EQ(build, "1.1.008");  // whatever the resource says
+  }
+}
+
+TEST_F(VersionInfo, PrintsHalvesOfTheProductVersionAsSignedNumbers) {
+  Alter([](VERSION_RESOURCE& resource) {
+    resource.fixedBlock = {0, 0, 9, 9, 0x00019C40, 0xFFFF0008};  // words 4 and 5 count
+    return true;
+  });
+  m_host.texts[12084] = "-.";  // its first character separates
+  std::string text;
+  EXPECT_EQ(CTestedVersionInfo().GetInternalProductVersionNo(text), S_OK);
+  EXPECT_EQ(text, "1--25536--1-8");
+}
+
+TEST_F(VersionInfo, ParsesExactlyFourNumbers) {
+  struct Row {
+    const char* text;
+    int result;
+    unsigned long high;
+    unsigned long low;
+  };
+  constexpr unsigned long kUntouched = 99;
+  const Row rows[] = {
+      {"1.1.0.8", 1, 65537, 8},
+      {"1.65537.2.65544", 1, 65537, 131080},  // second and fourth modulo 65536
+      {"65537.0.0.0", 1, 65536, 0},           // kept to 32 bits
+      {"4294967295.0.0.0", 1, 0xFFFF0000, 0},
+      {"1.1.0", 0, kUntouched, kUntouched},
+      {"1.1.0.8.", 0, kUntouched, kUntouched},
+      {"1.1..8", 0, kUntouched, kUntouched},
+      {"1.1.0.8a", 0, kUntouched, kUntouched},
+      {"1.1.-1.8", 0, kUntouched, kUntouched},
+      {"1.1.0.4294967296", 0, kUntouched, kUntouched},
+      {"", 0, kUntouched, kUntouched},
+      {nullptr, 0, kUntouched, kUntouched},
+  };
+  const CTestedVersionInfo info;
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.text ? row.text : "null");
+    unsigned long high = kUntouched;
+    unsigned long low = kUntouched;
+    EXPECT_EQ(info.ConvertStringToNumericVersionNo(row.text, high, low), row.result);
+    EXPECT_EQ(high, row.high);
+    EXPECT_EQ(low, row.low);
+  }
+}
+
+TEST(Version, CutsTheLastPartAndComparesWithTheFirstRelease) {
+  EXPECT_EQ(CVersionInfo::CutVersion("1.0.2"), "1.0");
+  EXPECT_EQ(CVersionInfo::CutVersion("1.0"), "1");
+  EXPECT_EQ(CVersionInfo::CutVersion("10"), "10");
+  EXPECT_EQ(CVersionInfo::CutVersion(".5"), ".5");
+  EXPECT_EQ(CVersionInfo::CutVersion(""), "");
+
+  struct Row {
+    const char* file;
+    const char* software;
+    int isNew;
+  };
+  const Row rows[] = {
+      {"1.0.5", "1.2.0", 0},   {"1.1", "1.2.0", 1},  // cut to "1"
+      {"1.0.5", "1.0.8", 1},                         // the same release counts as new too
+      {"1.0.5.1", "1.2.0", 1}, {"", "1.1.008", 1},   // no file read yet
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.file);
+    EXPECT_EQ(CVersionInfo::IsNewVersion(row.file, row.software), row.isNew);
+  }
+}
+
+}  // namespace
+}  // namespace quillpg
