@@ -2,6 +2,7 @@
 
 #include "exchange/capture.h"
 #include "quillpg/api.h"
+#include "quillpg/engine_types.h"
 #include "quillpg/result_codes.h"
 
 #include <cstdint>
@@ -38,8 +39,8 @@ class QUILLPG_API CCaptureGrid {
   std::string m_errorText;
 };
 
-/// True when the internal clock can run at this period, in HALF mode or in any mode.
-QUILLPG_API bool CanClock(RATIO period, bool half);
+/// True when the internal clock can run at this period, in this mode or in one of them.
+QUILLPG_API bool CanClock(RATIO period, ChannelMode mode);
 QUILLPG_API bool CanClock(RATIO period);
 
 }  // namespace quillpg

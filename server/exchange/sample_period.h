@@ -30,6 +30,9 @@ QUILLPG_API RATIO ScaleByPowerOfTen(RATIO ratio, int exponent);
 /// 1 / ratio; not set for a ratio that is not set.
 QUILLPG_API RATIO Invert(RATIO ratio);
 
+/// a / b; not set when one of them is not set or the result does not fit into 64 bits.
+QUILLPG_API RATIO Divide(RATIO a, RATIO b);
+
 /// Reads a period: a decimal number with a unit of time ("62.5ns", "1 us"), of frequency ("24MHz",
 /// which no decimal period can state exactly) or without a unit, in seconds. E_FAIL, with `period`
 /// untouched, for anything else and for zero.

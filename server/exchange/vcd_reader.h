@@ -31,7 +31,7 @@ class QUILLPG_API CVcdReader {
 
   void SetProgress(Progress progress) { m_progress = std::move(progress); }
 
-  /// Reads the file at `path`. PG_E_FILE_MISSING, PG_E_FILE_NOT_OPENED, PG_E_LIMIT (too many
+  /// Reads the file at `path`. PG_E_FILE_NOT_OPENED, PG_E_LIMIT (too many
   /// channels or change points), PG_E_ABORTED, or E_FAIL for a file that is no sound value change
   /// dump; GetErrorText then says why, with file and line. `capture` is untouched on failure.
   Status ReadFile(const std::string& path, CAPTURE& capture);

@@ -3,28 +3,14 @@
 #include "hardware/hardware_library.h"
 #include "hardware/module.h"
 #include "instrument/instrument.h"
+#include "instrument/mode_limits.h"
 
 #include <algorithm>
 #include <limits>
 
-// Limits that follow from the channel mode and the modules. HALF mode has half the channels, the
-// higher speed, the larger smallest block and twice the depth.
+// Limits that follow from the channel mode and the modules.
 
 namespace quillpg {
-
-namespace {
-
-struct MODE_LIMITS {
-  int maxClockSpeed;      // MHz
-  double minClockPeriod;  // s, constants of their own: not derived from the speed
-  double maxClockPeriod;  // s
-  int minBlockSize;       // vectors
-};
-
-constexpr MODE_LIMITS kFullLimits = {134, 7.4626865e-09, 2.0, 40};
-constexpr MODE_LIMITS kHalfLimits = {268, 3.7313432e-09, 1.0, 80};
-
-}  // namespace
 
 Status CInstrument::GetMaxChannels(int& channels) const {
   channels = MaxChannels();
@@ -58,22 +44,22 @@ Status CInstrument::GetMemoryDepth(long& vectors) const {
 Status CInstrument::GetMaxBlocksize(long& vectors) const { return GetMemoryDepth(vectors); }
 
 Status CInstrument::GetMinBlocksize(int& vectors) const {
-  vectors = (IsFull() ? kFullLimits : kHalfLimits).minBlockSize;
+  vectors = LimitsOf(m_settings.channelMode).minBlockSize;
   return S_OK;
 }
 
 Status CInstrument::GetMaxClockSpeed(int& megahertz) const {
-  megahertz = (IsFull() ? kFullLimits : kHalfLimits).maxClockSpeed;
+  megahertz = LimitsOf(m_settings.channelMode).maxClockSpeed;
   return S_OK;
 }
 
 Status CInstrument::GetMinClockPeriod(double& seconds) const {
-  seconds = (IsFull() ? kFullLimits : kHalfLimits).minClockPeriod;
+  seconds = LimitsOf(m_settings.channelMode).minClockPeriod;
   return S_OK;
 }
 
 Status CInstrument::GetMaxClockPeriod(double& seconds) const {
-  seconds = (IsFull() ? kFullLimits : kHalfLimits).maxClockPeriod;
+  seconds = LimitsOf(m_settings.channelMode).maxClockPeriod;
   return S_OK;
 }
 

@@ -1,0 +1,208 @@
+#include "exchange/capture_grid.h"
+
+#include "exchange/grid_search.h"
+#include "exchange/tick_counter.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+namespace quillpg {
+namespace {
+
+enum class Cut { Round, Floor };
+
+// A capture of one signal with a change at each of `samples` (rising, from 0), its stamps rounded
+// to the tick, counted from sample `lead` of the recording; `end` is the closing stamp's sample.
+CAPTURE Sampled(const std::vector<std::int64_t>& samples, std::int64_t end, RATIO rate,
+                int tickExponent, Cut cut, std::int64_t lead = 0) {
+  const RATIO step = Divide(ScaleByPowerOfTen(RATIO{1, 1}, -tickExponent), rate);
+  CAPTURE capture;
+  capture.bits = capture.wordsPerRow = 1;
+  capture.tickExponent = tickExponent;
+  CTickCounter counter(step);
+  counter.Advance(lead);
+  std::int64_t at = 0;
+  const auto stamp = [&](std::int64_t sample) {
+    counter.Advance(sample - at);
+    at = sample;
+    return cut == Cut::Round ? counter.Rounded() : counter.Floor();
+  };
+  for (const std::int64_t sample : samples) {
+    capture.stamps.push_back(stamp(sample));
+    capture.rows.push_back(capture.rows.size() % 2);
+  }
+  capture.end = stamp(end);
+  return capture;
+}
+
+std::vector<std::int64_t> RandomSamples(int count, int longestGap, unsigned seed) {
+  std::mt19937 random(seed);
+  std::uniform_int_distribution<int> gap(1, longestGap);
+  std::vector<std::int64_t> samples{0};
+  while (static_cast<int>(samples.size()) < count) samples.push_back(samples.back() + gap(random));
+  return samples;
+}
+
+TEST(CaptureGrid, FindsRoundedGridsOfManyRates) {
+  struct Row {
+    std::int64_t rate;
+    int tickExponent;
+  };
+  const Row rows[] = {
+      {24'000'000, -10}, {24'000'000, -9},   {12'000'000, -10}, {12'000'000, -9}, {48'000'000, -9},
+      {48'000'000, -10}, {16'000'000, -9},   {16'000'000, -12}, {3'000'000, -9},  {6'000'000, -10},
+      {200'000'000, -9}, {66'666'667, -10},  {44'100, -9},      {44'100, -10},    {14'318'180, -10},
+      {33'333'333, -10}, {120'000'000, -12}, {7, -6},           {300'000, -9},    {1'843'200, -9},
+      {96'000, -12},     {133'000'000, -10},
+  };
+  for (const Row& row : rows) {
+    for (const Cut cut : {Cut::Round, Cut::Floor}) {
+      for (const std::int64_t lead : {0, 1, 12345}) {
+        for (const int longestGap : {3, 40, 5000}) {
+          SCOPED_TRACE(testing::Message()
+                       << row.rate << " Hz at 1e" << row.tickExponent << " cut "
+                       << static_cast<int>(cut) << " lead " << lead << " gaps " << longestGap);
+          const std::vector<std::int64_t> samples = RandomSamples(400, longestGap, 7);
+          const std::int64_t end = samples.back() + 11;
+          const CAPTURE capture =
+              Sampled(samples, end, RATIO{row.rate, 1}, row.tickExponent, cut, lead);
+          CCaptureGrid finder;
+          SAMPLE_GRID grid;
+          ASSERT_EQ(finder.Find(capture, RATIO{}, grid), S_OK) << finder.GetErrorText();
+          // Every rate here has a period of several ticks: there is but one such grid.
+          EXPECT_EQ(grid.period, (RATIO{1, row.rate}));
+          EXPECT_EQ(grid.first, samples);
+          EXPECT_EQ(grid.vectors, end);
+        }
+      }
+    }
+  }
+}
+
+TEST(CaptureGrid, TakesTheCommonStepWhereThereIsOne) {
+  struct Row {
+    const char* what;
+    std::vector<std::int64_t> stamps;
+    std::int64_t end;
+    int tickExponent;
+    RATIO statedRate;
+    RATIO period;  // not set: refused
+    std::int64_t vectors;
+  };
+  const Row rows[] = {
+      {"plain", {0, 5, 40}, 48, -6, {}, {1, 1'000'000}, 48},
+      {"coarser than a tick", {0, 200, 600}, 1000, -9, {}, {1, 5'000'000}, 5},
+      {"counted from the first change", {1007, 1017, 1037}, 1047, -6, {}, {1, 100'000}, 4},
+      {"an end with changes has its period", {0, 10, 30}, 30, -6, {}, {1, 100'000}, 4},
+      {"the stated rate is finer", {0, 10, 30}, 40, -6, {1'000'000, 1}, {1, 100'000}, 4},
+      {"the stated rate does not fit", {0, 5, 12}, 20, -6, {300'000, 1}, {1, 1'000'000}, 20},
+      {"the stated rate fits rounded stamps", {0, 3, 7, 10}, 20, -6, {300'000, 1}, {1, 300'000}, 6},
+      {"one point, closed", {0}, 30, -6, {}, {3, 100'000}, 1},
+      {"one point, open: a tick", {0}, 0, -6, {}, {1, 1'000'000}, 1},
+      {"one point, open: the stated rate", {0}, 0, -12, {1000, 1}, {1, 1000}, 1},
+      {"one point, open, tick too short", {0}, 0, -12, {}, {}, 0},
+      {"too fast", {0, 1, 2}, 3, -9, {}, {}, 0},
+      {"too slow", {0, 10, 20}, 30, 0, {}, {}, 0},
+      {"the fastest clock", {0, 4, 8}, 12, -9, {}, {1, 250'000'000}, 3},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    CAPTURE capture;
+    capture.bits = capture.wordsPerRow = 1;
+    capture.stamps = row.stamps;
+    capture.rows.resize(row.stamps.size());
+    capture.end = row.end;
+    capture.tickExponent = row.tickExponent;
+    capture.statedRate = row.statedRate;
+    CCaptureGrid finder;
+    SAMPLE_GRID grid;
+    const Status status = finder.Find(capture, RATIO{}, grid);
+    EXPECT_EQ(Failed(status), !row.period.IsSet()) << finder.GetErrorText();
+    EXPECT_EQ(Failed(status), finder.GetErrorText().find("--period") != std::string::npos);
+    EXPECT_EQ(grid.period, row.period);
+    EXPECT_EQ(grid.vectors, row.vectors);
+  }
+}
+
+TEST(CaptureGrid, AGivenPeriodPutsStampsOnTheNearestVector) {
+  CAPTURE capture;
+  capture.bits = capture.wordsPerRow = 1;
+  capture.tickExponent = -9;
+  capture.stamps = {100, 149, 251, 260, 349};
+  capture.rows.resize(5);
+  capture.end = 1101;
+  CCaptureGrid finder;
+  SAMPLE_GRID grid;
+  ASSERT_EQ(finder.Find(capture, RATIO{1, 10'000'000}, grid), S_OK);
+  EXPECT_EQ(grid.first, (std::vector<std::int64_t>{0, 2}));
+  EXPECT_EQ(grid.point, (std::vector<std::size_t>{1, 4}));  // the last one of a vector counts
+  EXPECT_EQ(grid.merged, 3);
+  EXPECT_EQ(grid.vectors, 10);
+  EXPECT_EQ(finder.Find(capture, RATIO{1, 1'000'000'000}, grid), E_FAIL);
+  EXPECT_EQ(finder.Find(capture, RATIO{3, 1}, grid), E_FAIL);
+}
+
+TEST(CaptureGrid, SearchesLongAndSparseCapturesInTime) {
+  // Two million samples with a change in each, and a few changes spread over hours.
+  std::vector<std::int64_t> dense(2'000'000);
+  for (std::size_t i = 0; i < dense.size(); ++i) dense[i] = static_cast<std::int64_t>(i);
+  const std::vector<std::int64_t> sparse = {0, 5, 9, 1'000'003, 77'000'000'001};
+  const struct {
+    const std::vector<std::int64_t>& samples;
+    bool exact;
+  } rows[] = {{dense, true}, {sparse, false}};
+  for (const auto& row : rows) {
+    const CAPTURE capture =
+        Sampled(row.samples, row.samples.back() + 4, RATIO{24'000'000, 1}, -10, Cut::Round);
+    CCaptureGrid finder;
+    SAMPLE_GRID grid;
+    ASSERT_EQ(finder.Find(capture, RATIO{}, grid), S_OK) << finder.GetErrorText();
+    // With few stamps several grids explain them all; each plays within half a tick of them.
+    const RATIO step = ScaleByPowerOfTen(grid.period, 10);
+    std::vector<std::int64_t> times = capture.stamps;
+    times.push_back(capture.end);
+    EXPECT_TRUE(LiesOnGrid(times, step));
+    if (row.exact) EXPECT_EQ(grid.period, (RATIO{1, 24'000'000}));
+  }
+}
+
+TEST(SamplePeriod, ParsesNumbersWithUnits) {
+  const struct {
+    const char* text;
+    RATIO period;  // not set: refused
+  } rows[] = {
+      {"62.5ns", {1, 16'000'000}},
+      {"1us", {1, 1'000'000}},
+      {" 1.5 ms ", {3, 2000}},
+      {"1e-6", {1, 1'000'000}},
+      {"0.25", {1, 4}},
+      {"24MHz", {1, 24'000'000}},
+      {"44.1 kHz", {1, 44'100}},
+      {"2E+0s", {2, 1}},
+      {"", {}},
+      {"ns", {}},
+      {"0", {}},
+      {"-1us", {}},
+      {"1.2.3us", {}},
+      {"1 parsec", {}},
+      {"1e400", {}},
+      {"nan", {}},
+      {"99999999999999999999", {}},
+      {"1us x", {}},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text);
+    RATIO period;
+    EXPECT_EQ(Failed(ParsePeriod(row.text, period)), !row.period.IsSet());
+    EXPECT_EQ(period, row.period);
+  }
+  EXPECT_EQ(FormatPeriod(RATIO{1, 16'000'000}), "62.5 ns");
+  EXPECT_EQ(FormatPeriod(RATIO{1, 24'000'000}), "41.6667 ns");
+  EXPECT_EQ(FormatPeriod(RATIO{2, 1}), "2 s");
+  EXPECT_EQ(PeriodFromSeconds(1e-08), (RATIO{1, 100'000'000}));
+}
+
+}  // namespace
+}  // namespace quillpg
