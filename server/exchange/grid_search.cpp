@@ -18,6 +18,15 @@ struct DECIMAL {
   int exponent;
 };
 
+RATIO ToRatio(DECIMAL decimal) {
+  return ScaleByPowerOfTen(MakeRatio(decimal.number, 1), decimal.exponent);
+}
+
+struct CANDIDATE {
+  std::int64_t digits;  // of the number that it is made from
+  RATIO step;
+};
+
 // The number with the fewest digits in a range of positive numbers.
 DECIMAL FewestDigits(double least, double most) {
   int exponent = static_cast<int>(std::ceil(std::log10(most)));
@@ -94,43 +103,40 @@ CGridSearch::TRIAL CGridSearch::MakeTrial(BOUNDS bounds, std::size_t gap) const 
   return {bounds, gap, static_cast<std::int64_t>(fewest), static_cast<std::int64_t>(most)};
 }
 
-// All gaps agree with these bounds: narrows them by the times themselves, whose numbers of steps
-// the gaps give, for rounded, for cut and for anyhow shifted times.
+// All gaps agree with these bounds: the times themselves, whose numbers of steps the gaps give,
+// narrow them. Rates and periods that people set have few digits: of all steps within the bounds
+// for rounded, for cut and for anyhow shifted times the roundest that explains the times is taken.
 RATIO CGridSearch::Settle(BOUNDS bounds, RATIO ticksPerSecond) {
   m_work += static_cast<std::int64_t>(m_times.size());
-  constexpr double kOffsets[][2] = {{-0.5, 0.5}, {0, 1}, {-1, 1}};
-  for (const auto& offset : kOffsets) {
-    BOUNDS narrow = bounds;
-    double steps = 0;
-    for (std::size_t i = 1; i < m_times.size() && !narrow.IsEmpty(); ++i) {
-      const auto gap = static_cast<double>(m_times[i] - m_times[i - 1]);
-      steps += std::nearbyint(gap * 2 / (narrow.least + narrow.most));
-      const auto time = static_cast<double>(m_times[i]);
-      narrow.least = std::max(narrow.least, (time + offset[0]) / steps);
-      narrow.most = std::min(narrow.most, (time + offset[1]) / steps);
-    }
+  std::vector<CANDIDATE> candidates;
+  for (const BOUNDS offset : {BOUNDS{-0.5, 0.5}, BOUNDS{0, 1}, BOUNDS{-1, 1}}) {
+    const BOUNDS narrow = Narrow(bounds, offset);
     if (narrow.IsEmpty()) continue;
-    const RATIO step = ChooseRound(narrow, ticksPerSecond);
-    if (step.IsSet()) return step;
+    const double perSecond = ticksPerSecond.ToDouble();
+    const DECIMAL rate = FewestDigits(perSecond / narrow.most, perSecond / narrow.least);
+    const DECIMAL period = FewestDigits(narrow.least, narrow.most);
+    candidates.push_back({rate.number, Divide(ticksPerSecond, ToRatio(rate))});
+    candidates.push_back({period.number, ToRatio(period)});
+  }
+  std::stable_sort(candidates.begin(), candidates.end(),
+                   [](const CANDIDATE& a, const CANDIDATE& b) { return a.digits < b.digits; });
+  for (const CANDIDATE& candidate : candidates) {
+    if (candidate.step.IsSet() && LiesOnGrid(m_times, candidate.step)) return candidate.step;
   }
   return RATIO{};
 }
 
-// Rates and periods that people set have few digits.
-RATIO CGridSearch::ChooseRound(BOUNDS bounds, RATIO ticksPerSecond) const {
-  const double perSecond = ticksPerSecond.ToDouble();
-  const DECIMAL rate = FewestDigits(perSecond / bounds.most, perSecond / bounds.least);
-  const DECIMAL period = FewestDigits(bounds.least, bounds.most);
-  const RATIO hertz = ScaleByPowerOfTen(MakeRatio(rate.number, 1), rate.exponent);
-  const RATIO steps[] = {
-      Divide(ticksPerSecond, hertz),
-      ScaleByPowerOfTen(MakeRatio(period.number, 1), period.exponent),
-  };
-  const bool rateFirst = rate.number <= period.number;
-  for (const RATIO& step : {steps[rateFirst ? 0 : 1], steps[rateFirst ? 1 : 0]}) {
-    if (step.IsSet() && LiesOnGrid(m_times, step)) return step;
+// Bounds of the step when each time is its number of steps, rounded within `offset`.
+CGridSearch::BOUNDS CGridSearch::Narrow(BOUNDS bounds, BOUNDS offset) const {
+  double steps = 0;
+  for (std::size_t i = 1; i < m_times.size() && !bounds.IsEmpty(); ++i) {
+    const auto gap = static_cast<double>(m_times[i] - m_times[i - 1]);
+    steps += std::nearbyint(gap * 2 / (bounds.least + bounds.most));
+    const auto time = static_cast<double>(m_times[i]);
+    bounds.least = std::max(bounds.least, (time + offset.least) / steps);
+    bounds.most = std::min(bounds.most, (time + offset.most) / steps);
   }
-  return RATIO{};
+  return bounds;
 }
 
 }  // namespace quillpg

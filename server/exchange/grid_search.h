@@ -42,7 +42,7 @@ class CGridSearch {
 
   TRIAL MakeTrial(BOUNDS bounds, std::size_t gap) const;
   RATIO Settle(BOUNDS bounds, RATIO ticksPerSecond);
-  RATIO ChooseRound(BOUNDS bounds, RATIO ticksPerSecond) const;
+  BOUNDS Narrow(BOUNDS bounds, BOUNDS offset) const;
 
   std::span<const std::int64_t> m_times;
   std::vector<std::int64_t> m_gaps;  // distinct, rising

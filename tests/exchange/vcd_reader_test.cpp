@@ -111,13 +111,14 @@ TEST(VcdReader, RefusesWithFileAndLine) {
 TEST(VcdReader, ReadsNamesRangesAndIdentifiers) {
   CAPTURE capture;
   std::string error;
-  ASSERT_EQ(ReadText("$comment Acquisition with 3/8 channels at 24 MHz $end $timescale\n100ps\n$end"
-                     "$scope module top $end $var wire 1 # D+ $end $var wire 1 $ Recv TX $end\n"
-                     "$var reg 2 ab BUS[5:4] $end $var wire 1 b [3] $end $var wire 1 c D [3] $end\n"
-                     "$var wire 2 ab alias [1:0] $end $var wire 1 d $end $upscope $end\n"
-                     "$enddefinitions $end\n#0 1# 0$ b10 ab 0b 1c 1d #1",
-                     capture, &error),
-            S_OK)
+  ASSERT_EQ(
+      ReadText("$comment Acquisition with 3/8 channels at 24 MHz $end $timescale\n100ps\n$end "
+               "$scope module top $end $var wire 1 # D+ $end $var wire 1 $ Recv TX $end\n"
+               "$var reg 2 ab BUS[5:4] $end $var wire 1 b [3] $end $var wire 1 c D [3] $end\n"
+               "$var wire 2 ab alias [1:0] $end $var wire 1 d $end $upscope $end\n"
+               "$enddefinitions $end\n#0 1# 0$ b10 ab 0b 1c 1d #1",
+               capture, &error),
+      S_OK)
       << error;
   std::string names;
   for (const CAPTURE_SIGNAL& signal : capture.signals) {
