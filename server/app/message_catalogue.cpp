@@ -7,20 +7,22 @@ namespace quillpg {
 
 namespace {
 
-constexpr auto kTexts = std::to_array<std::string_view>({
-#define QUILLPG_MESSAGE(name, number, text) text,
+struct ENTRY {
+  int number;
+  std::string_view text;
+};
+
+constexpr auto kEntries = std::to_array<ENTRY>({
+#define QUILLPG_MESSAGE(name, number, text) {number, text},
 #include "app/message_catalogue.def"
 #undef QUILLPG_MESSAGE
 });
 
-// True when the rows stand in the order of their numbers, without a gap: a text is found by
-// counting.
+// Rows stand in the order of their numbers, without a gap: a text is found by counting.
 constexpr bool NumbersRunOn() {
-  int next = MSG_TRUE;
-#define QUILLPG_MESSAGE(name, number, text) \
-  if (number != next++) return false;
-#include "app/message_catalogue.def"
-#undef QUILLPG_MESSAGE
+  for (std::size_t i = 0; i < kEntries.size(); ++i) {
+    if (kEntries[i].number != MSG_TRUE + static_cast<int>(i)) return false;
+  }
   return true;
 }
 
@@ -29,8 +31,8 @@ static_assert(NumbersRunOn());
 }  // namespace
 
 std::string_view GetBuiltInText(int number) {
-  if (number < MSG_TRUE || number > MSG_FILE_READ_ERROR) return {};
-  return kTexts[static_cast<std::size_t>(number - MSG_TRUE)];
+  if (number < kEntries.front().number || number > kEntries.back().number) return {};
+  return kEntries[static_cast<std::size_t>(number - kEntries.front().number)].text;
 }
 
 }  // namespace quillpg
