@@ -34,10 +34,6 @@ class QUILLPG_API CNameIndex {
   const INDEXED_NAME* Find(std::string_view name) const;
   INDEXED_NAME* Find(std::string_view name);
 
-  /// The first position, or -1.
-  int First(std::string_view name) const;
-  int Count(std::string_view name) const;
-
  private:
   std::size_t Slot(std::string_view name, std::uint64_t hash) const;
   void Grow(std::size_t slots);

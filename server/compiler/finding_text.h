@@ -18,14 +18,7 @@ class QUILLPG_API CFindingText {
   /// "Block List [Line:3][Column:1] : error : blk1 already defined".
   std::string Format(const CompileErrorInfo& info) const;
 
-  /// Display name of a section; empty for a value that is none.
-  const std::string& SectionName(Section section) const;
-
  private:
-  const std::string& TypeWord(ErrorType type) const;
-  const std::string& ErrorText(CompileError error) const;
-  const std::string& UnnamedKind(Section section) const;
-
   std::array<std::string, 3> m_types;
   std::array<std::string, 15> m_errors;
   std::array<std::string, 6> m_sections;

@@ -52,7 +52,6 @@ class QUILLPG_API CProgramIndex {
 
  private:
   void Refresh();
-  void Build();
   void IndexNames();
   void ResolveSequence();
   void ResolveSubSequences();
@@ -74,7 +73,7 @@ class QUILLPG_API CProgramIndex {
   CNameIndex m_labels;
   std::vector<LINE_REFERENCES> m_lines;
   std::vector<const INDEXED_NAME*> m_subLines;  // of all subsequences, one after the other
-  std::vector<int> m_firstSubLine;              // of each subsequence, and the end
+  std::vector<std::size_t> m_firstSubLine;  // of each subsequence, and the end
 };
 
 }  // namespace quillpg
