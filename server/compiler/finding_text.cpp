@@ -73,8 +73,8 @@ std::string CFindingText::Format(const CompileErrorInfo& info) const {
   text += " : ";
   switch (info.error) {
     case CompileError::NameEmpty:
-      return text + FormatText("%s %s %s %s",
-                               {TextOf(m_unnamedKinds, info.section), m_name, m_is, error});
+      return text +
+             FormatText("%s %s %s %s", {TextOf(m_unnamedKinds, info.section), m_name, m_is, error});
     case CompileError::JumpToMissing:
       return text + error;
     case CompileError::TooManyLines:

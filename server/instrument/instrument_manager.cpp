@@ -107,7 +107,7 @@ Status CInstrumentManager::AddDefaultInstrument(int module) {
   auto instrument = std::make_unique<CInstrument>();
   (void)instrument->Initialize();  // wires the managers, never fails
   (void)instrument->SetInstrumentName(
-      FormatText(CMessageService::Text(MSG_DEFAULT_INSTRUMENT_NAME), {module + 1}));
+      FormatText(CMessageService::Text(MSG_INSTRUMENT_NAME), {module + 1}));
   (void)instrument->AddModule(part);
   (void)instrument->Default();  // an unwilling setting does not keep an instrument out
   const Status status = AddInstrument(instrument.get());

@@ -1,16 +1,12 @@
 #include "program/program_index.h"
 
 #include "base/text.h"
-#include "instrument/instrument.h"
 #include "program/block.h"
-#include "program/block_manager.h"
 #include "program/event.h"
-#include "program/event_manager.h"
+#include "program/program_view.h"
 #include "program/sequence_line.h"
-#include "program/sequence_manager.h"
 #include "program/subsequence.h"
 #include "program/subsequence_line.h"
-#include "program/subsequence_manager.h"
 
 namespace quillpg {
 
@@ -23,12 +19,9 @@ const INDEXED_NAME* MarkUsed(INDEXED_NAME* name) {
 
 }  // namespace
 
-void CProgramIndex::Attach(const CInstrument& instrument) {
+void CProgramIndex::Attach(const CProgramView& program) {
   Detach();
-  (void)instrument.GetBlockManager(&m_blockManager);  // accessors of owned objects, never fail
-  (void)instrument.GetSequenceManager(&m_sequenceManager);
-  (void)instrument.GetSubSequenceManager(&m_subSequenceManager);
-  (void)instrument.GetEventManager(&m_eventManager);
+  m_program = &program;
 }
 
 void CProgramIndex::Detach() { *this = CProgramIndex(); }
@@ -67,14 +60,9 @@ const INDEXED_NAME* CProgramIndex::SubSequenceLine(int subSequence, int line) {
   return at < m_firstSubLine[index + 1] ? m_subLines[at] : nullptr;
 }
 
-CProgramIndex::REVISIONS CProgramIndex::CurrentRevisions() const {
-  return {m_blockManager->Revision(), m_sequenceManager->Revision(),
-          m_subSequenceManager->Revision(), m_eventManager->Revision()};
-}
-
 void CProgramIndex::Refresh() {
-  if (!m_blockManager) return;
-  const REVISIONS revisions = CurrentRevisions();
+  if (!m_program) return;
+  const CProgramView::REVISIONS revisions = m_program->Revisions();
   if (m_built && revisions == m_revisions) return;
   m_built = false;
   IndexNames();
@@ -85,18 +73,17 @@ void CProgramIndex::Refresh() {
 }
 
 void CProgramIndex::IndexNames() {
-  const auto fill = [](CNameIndex& index, const auto& list, auto nameOf) {
-    index.Clear(list.Count());
-    for (int i = 0; i < list.Count(); ++i) {
-      if (const auto* object = list.At(i)) index.Add(nameOf(*object), i);
+  const auto fill = [](CNameIndex& index, int count, auto objectAt) {
+    index.Clear(count);
+    for (int i = 0; i < count; ++i) {
+      if (const auto* object = objectAt(i)) index.Add(NameOf(*object), i);
     }
   };
-  const auto name = [](const auto& object) { return std::string_view(NameOf(object)); };
-  fill(m_blocks, m_blockManager->List(), name);
-  fill(m_subSequences, m_subSequenceManager->List(), name);
-  fill(m_events, m_eventManager->List(), name);
-  fill(m_labels, m_sequenceManager->List(),
-       [](const SEQUENCE_LINE& line) { return std::string_view(line.GetLabel()); });
+  fill(m_blocks, m_program->BlockCount(), [this](int i) { return m_program->BlockAt(i); });
+  fill(m_subSequences, m_program->SubSequenceCount(),
+       [this](int i) { return m_program->SubSequenceAt(i); });
+  fill(m_events, m_program->EventCount(), [this](int i) { return m_program->EventAt(i); });
+  fill(m_labels, m_program->LineCount(), [this](int i) { return m_program->LineAt(i); });
 }
 
 LINE_REFERENCES CProgramIndex::Resolve(const SEQUENCE_LINE& line) {
@@ -108,24 +95,23 @@ LINE_REFERENCES CProgramIndex::Resolve(const SEQUENCE_LINE& line) {
 }
 
 void CProgramIndex::ResolveSequence() {
-  const auto& lines = m_sequenceManager->List();
-  m_lines.clear();
-  m_lines.reserve(static_cast<std::size_t>(lines.Count()));
-  for (int i = 0; i < lines.Count(); ++i) {
-    const SEQUENCE_LINE* line = lines.At(i);
-    m_lines.push_back(line ? Resolve(*line) : LINE_REFERENCES());
+  const int count = m_program->LineCount();
+  m_lines.assign(static_cast<std::size_t>(count), LINE_REFERENCES());
+  for (int i = 0; i < count; ++i) {
+    if (const SEQUENCE_LINE* line = m_program->LineAt(i))
+      m_lines[static_cast<std::size_t>(i)] = Resolve(*line);
   }
 }
 
 void CProgramIndex::ResolveSubSequences() {
-  const auto& subSequences = m_subSequenceManager->List();
   m_subLines.clear();
   m_firstSubLine.assign(1, 0);
-  for (int i = 0; i < subSequences.Count(); ++i) {
-    const SUBSEQUENCE* subSequence = subSequences.At(i);
+  for (int i = 0; i < m_program->SubSequenceCount(); ++i) {
+    const SUBSEQUENCE* subSequence = m_program->SubSequenceAt(i);
     const int lines = subSequence ? subSequence->GetNoOfSubSequenceLines() : 0;
     for (int j = 0; j < lines; ++j) {
-      const SUBSEQUENCE_LINE* line = subSequence->List().At(j);
+      SUBSEQUENCE_LINE* line = nullptr;
+      (void)subSequence->GetSubSequenceLine(j, &line);  // null for an empty slot
       m_subLines.push_back(line ? MarkUsed(m_blocks.Find(line->GetOutput())) : nullptr);
     }
     m_firstSubLine.push_back(m_subLines.size());

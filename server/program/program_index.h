@@ -1,20 +1,15 @@
 #pragma once
 
 #include "base/name_index.h"
+#include "program/program_view.h"
 #include "quillpg/api.h"
 
-#include <array>
-#include <cstdint>
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
 namespace quillpg {
 
-class CBlockManager;
-class CEventManager;
-class CInstrument;
-class CSequenceManager;
-class CSubSequenceManager;
 struct SEQUENCE_LINE;
 
 /// What the names in a sequence line refer to; null for an empty name and for one that nobody
@@ -36,8 +31,8 @@ struct LINE_REFERENCES {
 /// and do not for subsequences and events.
 class QUILLPG_API CProgramIndex {
  public:
-  /// Refers to the program of `instrument` from now on. Detach before the instrument goes.
-  void Attach(const CInstrument& instrument);
+  /// Refers to `program` from now on. Detach before the program or its instrument goes.
+  void Attach(const CProgramView& program);
   void Detach();
 
   const INDEXED_NAME* Block(std::string_view name);
@@ -57,23 +52,16 @@ class QUILLPG_API CProgramIndex {
   void ResolveSubSequences();
   LINE_REFERENCES Resolve(const SEQUENCE_LINE& line);
 
-  using REVISIONS = std::array<std::uint64_t, 4>;
-  REVISIONS CurrentRevisions() const;
-
-  CBlockManager* m_blockManager = nullptr;
-  CSequenceManager* m_sequenceManager = nullptr;
-  CSubSequenceManager* m_subSequenceManager = nullptr;
-  CEventManager* m_eventManager = nullptr;
-
+  const CProgramView* m_program = nullptr;
   bool m_built = false;
-  REVISIONS m_revisions{};
+  CProgramView::REVISIONS m_revisions{};
   CNameIndex m_blocks;
   CNameIndex m_subSequences;
   CNameIndex m_events;
   CNameIndex m_labels;
   std::vector<LINE_REFERENCES> m_lines;
   std::vector<const INDEXED_NAME*> m_subLines;  // of all subsequences, one after the other
-  std::vector<std::size_t> m_firstSubLine;  // of each subsequence, and the end
+  std::vector<std::size_t> m_firstSubLine;      // of each subsequence, and the end
 };
 
 }  // namespace quillpg
