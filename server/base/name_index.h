@@ -34,6 +34,12 @@ class QUILLPG_API CNameIndex {
   const INDEXED_NAME* Find(std::string_view name) const;
   INDEXED_NAME* Find(std::string_view name);
 
+  /// Lowest position that bears the name, or -1.
+  int First(std::string_view name) const {
+    const INDEXED_NAME* found = Find(name);
+    return found ? found->first : -1;
+  }
+
  private:
   std::size_t Slot(std::string_view name, std::uint64_t hash) const;
   void Grow(std::size_t slots);
