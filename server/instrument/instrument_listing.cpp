@@ -206,7 +206,7 @@ Status CInstrument::GetUniqueName(ContentType type, std::string& name) const {
     do {
       candidate = text;
       AppendNumber(candidate, ++number);
-    } while (used.First(candidate) >= 0);
+    } while (used.Find(candidate));
     name = candidate;
     return S_OK;
   });

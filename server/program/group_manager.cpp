@@ -28,7 +28,8 @@ int CGroupManager::Find(std::string_view name) const {
     const Status indexed = GuardAllocation([&] { return IndexNames(); });
     if (Failed(indexed)) return m_groups.Find(name);
   }
-  return m_nameIndex.First(name);
+  const INDEXED_NAME* found = m_nameIndex.Find(name);
+  return found ? found->first : -1;
 }
 
 Status CGroupManager::IndexNames() const {

@@ -57,9 +57,9 @@ TEST_F(GroupManager, AddingAndInsertingDifferInWhatTheyRefuse) {
     SCOPED_TRACE(row.name);
     const int last = static_cast<int>(Names().size());
     EXPECT_EQ(Groups().AddGroup(row.name), row.added);
-    if (!Failed(row.added)) EXPECT_EQ(Groups().DeleteGroup(last), S_OK);
+    if (!Failed(row.added)) (void)Groups().DeleteGroup(last);
     EXPECT_EQ(Groups().InsertGroup(0, row.name), row.inserted);
-    if (!Failed(row.inserted)) EXPECT_EQ(Groups().DeleteGroup(0), S_OK);
+    if (!Failed(row.inserted)) (void)Groups().DeleteGroup(0);
     EXPECT_THAT(Names(), ElementsAre("Data", "Bus"));
   }
 }

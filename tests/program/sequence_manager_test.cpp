@@ -45,7 +45,6 @@ TEST(SequenceManager, RaisesItsOwnFlagOnlyWhereMeant) {
     Status status;
     bool raised;
   };
-  const SEQUENCE_LINE given;
   const Row rows[] = {
       {"add", [](CSequenceManager& s) { return s.AddSequenceLine("c"); }, S_OK, false},
       {"insert", [](CSequenceManager& s) { return s.InsertSequenceLine(0, "c"); }, S_OK, true},
@@ -98,8 +97,8 @@ TEST(SequenceManager, SeesEverySetterOfEveryLine) {
   };
   CSequenceManager sequence;
   Fill(sequence);
-  for (const SETTER set : setters) {
-    SCOPED_TRACE(set - setters[0]);
+  for (const SETTER& set : setters) {
+    SCOPED_TRACE(&set - setters);
     EXPECT_EQ(sequence.IsModified(), 0);
     EXPECT_EQ(set(*Line(sequence, 1)), S_OK);
     EXPECT_EQ(sequence.IsModified(), 1);
