@@ -1,6 +1,7 @@
 #include "app/message_service.h"
 
 #include "app/message_catalogue.h"
+#include "base/guard.h"
 #include "base/text.h"
 #include "hardware/hardware_library.h"
 #include "quillpg/host_services.h"
@@ -34,8 +35,12 @@ std::string_view FileName(const char* path) {
 
 [[noreturn]] void ReportAndExit(const std::string& format, const char* file, int line,
                                 const std::string& message) {
-  CMessageService::ShowText(FormatText(format, {FileName(file), line, message}),
-                            BOX_SYSTEM_MODAL | BOX_ICON_STOP | BOX_OK, kOwnHelpContext, ANSWER_OK);
+  (void)GuardAllocation([&] {
+    (void)CMessageService::ShowText(FormatText(format, {FileName(file), line, message}),
+                                    BOX_SYSTEM_MODAL | BOX_ICON_STOP | BOX_OK, kOwnHelpContext,
+                                    ANSWER_OK);
+    return S_OK;
+  });
   // No destructors: the state they would work on is broken. The exit code must be 1 all the same.
   (void)std::fflush(nullptr);
   std::_Exit(1);
@@ -85,7 +90,10 @@ std::string CMessageService::Text(int number) {
 
 void CMessageService::SetReportFormats(const std::string& internal, const std::string& warning,
                                        const std::string& environment) {
-  Formats() = {internal, warning, environment};
+  (void)GuardAllocation([&] {
+    Formats() = {internal, warning, environment};
+    return S_OK;
+  });
 }
 
 void CMessageService::ReportInternalError(const char* file, int line, const std::string& message) {
@@ -98,8 +106,11 @@ void CMessageService::ReportEnvironmentError(const char* file, int line,
 }
 
 void CMessageService::ReportWarning(const std::string& message) {
-  (void)ShowText(FormatText(Formats().warning, {message}), BOX_ICON_INFORMATION | BOX_OK,
-                 kOwnHelpContext, ANSWER_OK);
+  (void)GuardAllocation([&] {
+    (void)ShowText(FormatText(Formats().warning, {message}), BOX_ICON_INFORMATION | BOX_OK,
+                   kOwnHelpContext, ANSWER_OK);
+    return S_OK;
+  });
 }
 
 }  // namespace quillpg

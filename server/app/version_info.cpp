@@ -169,11 +169,14 @@ Status CVersionInfo::GetInternalProductVersionNo(std::string& text) const {
 int CVersionInfo::ConvertStringToNumericVersionNo(const char* text, unsigned long& high,
                                                   unsigned long& low) const {
   if (!text) return 0;
-  const std::vector<std::string> parts = Split(text, m_separator);
+  std::string_view rest = text;
   std::array<std::uint32_t, 4> numbers{};
-  if (parts.size() != numbers.size()) return 0;
   for (std::size_t i = 0; i < numbers.size(); ++i) {
-    if (!ParsePart(parts[i], numbers[i])) return 0;
+    const std::size_t end = rest.find(m_separator);
+    const bool last = i + 1 == numbers.size();
+    if ((end == std::string_view::npos) != last) return 0;
+    if (!ParsePart(rest.substr(0, end), numbers[i])) return 0;
+    if (!last) rest.remove_prefix(end + 1);
   }
   high = JoinHalves(numbers[0], numbers[1]);
   low = JoinHalves(numbers[2], numbers[3]);

@@ -1,11 +1,15 @@
 #include "persistence/visa_stub_gen.h"
 
+#include "base/guard.h"
+
 namespace quillpg {
 
 Status CVisaStubGen::Initialize(const std::string& path) {
-  m_path = path;
-  m_modules.clear();
-  return S_OK;
+  return GuardAllocation([&] {
+    m_path = path;
+    m_modules.clear();
+    return S_OK;
+  });
 }
 
 Status CVisaStubGen::AddModule(const VISA_STUB_MODULE& /*module*/) {
