@@ -1,5 +1,7 @@
 #pragma once
 
+#include "hardware/bit_arrange.h"
+
 #include <array>
 #include <cstdint>
 
@@ -7,7 +9,6 @@
 
 namespace quillpg {
 
-inline constexpr int WORDS_PER_UNIT = 16;
 inline constexpr int FULL_UNIT_VECTORS_HALF = 8;  ///< HALF mode, full unit
 inline constexpr int FULL_UNIT_VECTORS_FULL = 4;  ///< FULL mode, full unit
 inline constexpr int SHORT_UNIT_VECTORS = 7;      ///< HALF: a short unit; FULL: two of them
