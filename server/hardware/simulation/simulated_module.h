@@ -166,28 +166,26 @@ class CSimulatedModule final : public CSorrelModule {
                         {pod, Argument(index), Argument(value)}, static_cast<double>(value));
   }
   template <typename Value>
-  Status Convert(Status status, double number, Value& value) {
-    if (!Failed(status)) value = FromNumber<Value>(number);
-    return status;
-  }
-  template <typename Value>
   Status Get(Setting setting, std::string_view operation, Value& value) {
-    double number = 0;
-    return Convert(ReadSetting(setting, operation, 0, {}, number), number, value);
+    return Fetch(setting, operation, 0, {}, value);
   }
   template <typename Value>
   Status GetPod(Setting setting, std::string_view operation, char pod, Value& value) {
-    double number = 0;
-    const int place = CModuleSettings::Place(setting, pod, 0);
-    return Convert(ReadSetting(setting, operation, place, {pod}, number), number, value);
+    return Fetch(setting, operation, CModuleSettings::Place(setting, pod, 0), {pod}, value);
   }
   template <typename Value>
   Status GetIndexed(Setting setting, std::string_view operation, char pod, int index,
                     Value& value) {
+    return Fetch(setting, operation, CModuleSettings::Place(setting, pod, index),
+                 {pod, Argument(index)}, value);
+  }
+  template <typename Value>
+  Status Fetch(Setting setting, std::string_view operation, int place, ARGUMENTS arguments,
+               Value& value) {
     double number = 0;
-    const int place = CModuleSettings::Place(setting, pod, index);
-    return Convert(ReadSetting(setting, operation, place, {pod, Argument(index)}, number), number,
-                   value);
+    const Status status = ReadSetting(setting, operation, place, arguments, number);
+    if (!Failed(status)) value = FromNumber<Value>(number);
+    return status;
   }
 
   const int m_index;

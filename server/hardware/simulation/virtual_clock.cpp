@@ -13,10 +13,12 @@ namespace quillpg {
 namespace {
 
 constexpr double kInitialPeriod = 1e-4;
+constexpr double kLongestPeriod = 1e9;
 
+/// Any number can be set as the clock period; one that is no period counts as the initial one.
 double Period(const CSimulatedModule& module) {
   const double period = module.Settings().At(Setting::ClockPeriod);
-  return std::isfinite(period) && period > 0 ? period : kInitialPeriod;
+  return period > 0 && period < kLongestPeriod ? period : kInitialPeriod;
 }
 
 /// Seconds since Start.
@@ -148,9 +150,9 @@ void CVirtualClock::CatchUp(std::vector<PLAYER>& players, const PLAYER& leader) 
     if (!sequencer.IsStuck()) continue;
     const double behind =
         (Elapsed(*leader.module) - Elapsed(*player.module)) / Period(*player.module);
-    if (behind < 1) continue;
     const double most = static_cast<double>(std::min(player.left, SEQUENCER_SLICE));
-    player.left -= sequencer.Clock(static_cast<std::int64_t>(std::min(behind, most)));
+    const double vectors = std::clamp(std::round(behind), 0.0, most);
+    player.left -= sequencer.Clock(static_cast<std::int64_t>(vectors));
   }
 }
 
