@@ -24,6 +24,8 @@ struct PACK_RUN {
   int firstUnit;
   int unitCount;             ///< 1 to MAX_TRANSFER_UNITS
   std::int64_t firstVector;  ///< vector of the block that the first unit starts with
+
+  bool operator==(const PACK_RUN&) const = default;
 };
 
 /// The transfers that carry a block of `size` vectors: full units first, at most

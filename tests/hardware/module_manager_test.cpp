@@ -1,5 +1,6 @@
 #include "hardware/module_manager.h"
 
+#include "../../examples/example_adapter.h"
 #include "hardware/simulation/simulated_hardware.h"
 #include "instrument/instrument.h"
 #include "quillpg/app_server.h"
@@ -121,42 +122,35 @@ TEST(ModuleManager, InstrumentsLoseModulesThatAreDestroyed) {
   EXPECT_EQ(2, CountModules(*manager));
 }
 
+TEST(ModuleManager, WorksWithTheAdapterOfAHost) {
+  CExampleSystem system;
+  CExampleLibrary library(&system);
+  CHardwareManager::Install(&library);
+  CModuleManager manager;
+  ASSERT_EQ(S_OK, manager.Initialize());
+  ASSERT_EQ(S_OK, manager.InitializeModules());
+  CModule* module = nullptr;
+  ASSERT_EQ(S_OK, manager.GetModuleAt(0, &module));
+  EXPECT_EQ(S_OK, module->SetOutputLevel(0, 2.5));
+  EXPECT_EQ(E_FAIL, module->SetOutputLevel(1, 2.6));  // the hardware made 2.5 of it
+  EXPECT_EQ(E_FAIL, module->SetStrobeEnable(0, 1));   // the hardware has no such setting
+  double volts = 0;
+  EXPECT_EQ(S_OK, module->GetOutputLevel(1, volts));
+  EXPECT_EQ(2.5, volts);
+  CHardwareManager::Install(nullptr);
+}
+
 // A library that walks nowhere: the same module for ever, or no module at all.
-class CStuckSystem : public CSystem {
+class CStuckSystem : public CExampleSystem {
  public:
-  Status GetSystemInfo(CSystemInfo**) override { return E_FAIL; }
-  Status GetFirstSorrelModulePos(int& pos) override { return pos = 0, S_OK; }
   Status GetNextSorrelModule(int& pos, CSorrelModule** found) override {
-    *found = module;
+    *found = given;
     if (moves) ++pos;
     return S_OK;
   }
-  Status GetModuleAt(int, CVXIModule**) override { return E_FAIL; }
-  Status IsSorrelModule(Device, Manufacturer, int&) override { return E_FAIL; }
-  Status IsBenchTop(int&) override { return E_FAIL; }
-  Status GetControllerSlots(int&, int&) override { return E_FAIL; }
-  Status GetControllerProperties(int, std::string&) override { return E_FAIL; }
-  Status PrepareLoadFromStub() override { return E_FAIL; }
-  Status AddModuleFromStub(int) override { return E_FAIL; }
-  Status LoadFromStubComplete() override { return E_FAIL; }
 
-  CSorrelModule* module = nullptr;
+  CSorrelModule* given = nullptr;
   bool moves = false;
-};
-
-class CStuckManager : public CHardwareManager {
- public:
-  Status Initialize() override { return S_OK; }
-  Status GetSystem(CSystem** result) override {
-    *result = hasSystem ? &system : nullptr;
-    return S_OK;
-  }
-  Status IsHardwarePresent(int&) override { return E_FAIL; }
-  Status SetMessageRouter(CMessageRouter*) override { return S_OK; }
-  Status RunPowerOnDiagnostics(TestResult&) override { return S_OK; }
-
-  CStuckSystem system;
-  bool hasSystem = true;
 };
 
 TEST(ModuleManager, AWalkThatDoesNotEndIsEnded) {
@@ -164,30 +158,29 @@ TEST(ModuleManager, AWalkThatDoesNotEndIsEnded) {
     const char* what;
     bool module;
     bool moves;
-    bool system;
-    Status status;
     int found;
   };
   const Row rows[] = {
-      {"no advance", true, false, true, S_OK, 1},
-      {"no end", true, true, true, S_OK, 256},
-      {"no modules", false, true, true, S_OK, 0},
-      {"no system", true, true, false, E_FAIL, 0},
+      {"no advance", true, false, 1},
+      {"no end", true, true, 256},
+      {"no modules", false, true, 0},
   };
-  CSimulatedHardware simulation;
-  simulation.Initialize();
-  CStuckManager library;
+  CStuckSystem system;
+  CExampleLibrary library(&system);
   CHardwareManager::Install(&library);
   CModuleManager manager;
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
-    library.system.module = row.module ? simulation.Control().HardwareModule(0) : nullptr;
-    library.system.moves = row.moves;
-    library.hasSystem = row.system;
-    EXPECT_EQ(row.status, manager.Initialize());
+    system.given = row.module ? &system.module : nullptr;
+    system.moves = row.moves;
+    EXPECT_EQ(S_OK, manager.Initialize());
     EXPECT_EQ(row.found, CountModules(manager));
   }
-  EXPECT_EQ(E_FAIL, CModule::HardwarePresent());  // the library cannot say
+  ASSERT_EQ(S_OK, manager.Initialize(1));
+  CExampleLibrary empty(nullptr);
+  CHardwareManager::Install(&empty);
+  EXPECT_EQ(E_FAIL, manager.Initialize());
+  EXPECT_EQ(0, CountModules(manager));
   CHardwareManager::Install(nullptr);
 }
 
