@@ -14,6 +14,7 @@ int RunAndPrintRatios();
 // Each topic registers itself here and is called in main.
 void RegisterGroupTextBenches();
 void RegisterPackingBenches();
+void RegisterPlayBenches();
 }  // namespace quillpg::bench
 
 int main(int argc, char** argv) {
@@ -22,5 +23,6 @@ int main(int argc, char** argv) {
 
   quillpg::bench::RegisterGroupTextBenches();
   quillpg::bench::RegisterPackingBenches();
+  quillpg::bench::RegisterPlayBenches();
   return quillpg::bench::RunAndPrintRatios();
 }
