@@ -1,15 +1,11 @@
 #pragma once
 
-#include "hardware/bit_arrange.h"
+#include "hardware/unit_kernel_sse2.h"
 
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-
-#if defined(__SSE2__)
-#include "hardware/unit_kernel_sse2.h"
-#endif
 
 // Packs one full memory unit: the inner loop of the packer. A unit is four squares of 8 x 8 bits.
 // Gathering puts the rows that share a square into one 64-bit word; turning the square over its

@@ -1,5 +1,7 @@
 #pragma once
 
+#if defined(__SSE2__)
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -60,3 +62,5 @@ struct CSse2UnitKernel {
 };
 
 }  // namespace quillpg
+
+#endif

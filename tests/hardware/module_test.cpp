@@ -216,6 +216,14 @@ TEST(Module, AHighLevelMayMoveTheLowOne) {
   fixture.control.FailCall("GetLowLevel");  // after the high level was stored
   EXPECT_EQ(E_FAIL, kHigh.set(fixture.module, 5));
   EXPECT_EQ(5, kHigh.get(fixture.module));
+
+  fixture.control.Quantise("GetHighLevel", [](double) { return 4.25; });
+  fixture.control.Quantise("GetLowLevel", [](double) { return 0.75; });
+  EXPECT_EQ(E_FAIL, kHigh.set(fixture.module, 6));  // differs: stored as read, and the low one too
+  EXPECT_EQ(0.75, kLow.get(fixture.module));
+  fixture.control.Quantise("GetHighLevel", [](double) { return NAN; });
+  EXPECT_EQ(E_FAIL, kHigh.set(fixture.module, 6));
+  EXPECT_EQ(4.25, kHigh.get(fixture.module));
 }
 
 TEST(Module, ReadsPodTypes) {
@@ -264,6 +272,10 @@ TEST(Module, InitializeReadsTheHardware) {
   EXPECT_EQ(0.0, kDeskew.get(module));
   EXPECT_EQ(0, enable.get(module));
   EXPECT_THAT(PodTypes(module), ElementsAre(5, 3, 4, 0));
+
+  fixture.control.Module(0)->simulated = false;
+  EXPECT_EQ(S_OK, module.Initialize());
+  EXPECT_EQ(5.0, kLevel.get(module));
 }
 
 // The argument decides what is sent; the setters inside look at the stored type.
