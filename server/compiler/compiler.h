@@ -2,23 +2,20 @@
 
 #include "compiler/compile_error_info.h"
 #include "compiler/finding_text.h"
-#include "program/program_index.h"
+#include "instrument/program_work.h"
 #include "quillpg/api.h"
 #include "quillpg/result_codes.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillpg {
 
 class CAppServer;
-class CBlockManager;
-class CEventManager;
 class CInstrument;
 class CInstrumentManager;
 class CMessageRouter;
-class CSequenceManager;
-class CSubSequenceManager;
 struct BLOCK;
 struct EVENT;
 struct SEQUENCE_LINE;
@@ -29,7 +26,7 @@ struct SUBSEQUENCE;
 /// since the last download are checked.
 ///
 /// The checks hand control to the front end after each object. It may then abort the run, edit the
-/// program or delete the instrument; a nested Compile or Download is refused.
+/// program or delete the instrument; a nested compile or download is refused.
 class QUILLPG_API CCompiler {
  public:
   CCompiler() = default;
@@ -37,7 +34,7 @@ class QUILLPG_API CCompiler {
   CCompiler& operator=(const CCompiler&) = delete;
   virtual ~CCompiler() = default;
 
-  /// Refers to `server` and loads the texts of the findings.
+  /// Refers to `server` and loads the texts of the findings; E_FAIL for null.
   Status Initialize(CAppServer* server);
 
   /// S_OK when no error was found (warnings do not count), E_FAIL when one was, PG_E_ABORTED.
@@ -57,27 +54,26 @@ class QUILLPG_API CCompiler {
   Status GetCompileErrorInfo(int outputLine, CompileErrorInfo& info) const;
 
  protected:
-  // The four checks, in the order in which they run. S_OK, PG_E_ABORTED, PG_E_INTERNAL when an
-  // object is missing, PG_E_LIMIT when the expanded sequence is too long. Findings alone do not
-  // stop them.
+  // The four checks. S_OK, PG_E_ABORTED, PG_E_INTERNAL when an object is missing (the user was
+  // told), PG_E_LIMIT when the expanded sequence is too long. Findings alone do not stop them.
   Status CompileBlock();
   Status CompileSequence();
   Status CompileSubSequence();
   Status CompileSubSeqDefinition(int index, const SUBSEQUENCE& subSequence);
   Status CompileEvent();
-  Status CompileEventExpression(int index, const EVENT& event);
+  void CompileEventExpression(int index, const EVENT& event);
 
   /// PG_E_LIMIT when all blocks together exceed the instrument's memory depth.
-  Status CheckBlockSize();
+  Status CheckBlockSize() const;
   /// PG_E_LIMIT when the sequence with its subsequences expanded exceeds MAX_SEQUENCE_LINES.
   Status CheckMaxSequenceLines();
   bool IsValidBlockSize(int size) const;
 
+  /// Records a finding at the present place, writes its output line and counts it.
   void SetErrorInfo(int column, ErrorType type, CompileError error, const std::string& text);
-  std::string FormatMessage(const CompileErrorInfo& info) const;
 
   void Clear();
-  Status PrepareToCompile(int position, CInstrument* instrument);
+  void PrepareToCompile(int position, CInstrument& instrument);
   void CompilationOver(Status status);
 
   // To the front end's router; nothing happens, and no output line is counted, without one.
@@ -88,14 +84,6 @@ class QUILLPG_API CCompiler {
   void SetProgressStatus(int percent);
 
  private:
-  // Where the next finding lies: what all findings of an object have in common.
-  struct CONTEXT {
-    int line = -1;
-    int instrumentIndex = -1;
-    int itemIndex = -1;
-    std::string instrumentName;
-    Section section = Section::BlockList;
-  };
   // Ties a line of the output window to a record.
   struct KEY {
     int outputLine;
@@ -104,23 +92,29 @@ class QUILLPG_API CCompiler {
 
   Status CompileAll();
   Status CompileInstrument();
-  void BeginCheck(Section section, int line, std::string_view what);
-  Status BeforeObject() const;
+  void BeginCheck(Section section, int firstLine, std::string_view what);
   Status AfterObject(int index, int count);
   static Status ReportMissingObject();
+
+  // Walks a list of the program by position, since it may change at every yield: tests for an
+  // abort, looks the object up, runs `check(index, object)`, yields.
+  template <typename T, typename Check>
+  Status ForEachObject(int (CProgramView::*countOf)() const,
+                       T* (CProgramView::*objectAt)(int) const, int firstLine, Check check);
+
   void Error(int column, CompileError error, const std::string& text);
   void Warning(int column, CompileError error, const std::string& text);
-  void CheckName(const std::string& text);
+  void CheckName(const std::string& name);
+  void CheckUse(const INDEXED_NAME* name, const std::string& text);
+  void CheckUnique(const INDEXED_NAME* name, const std::string& text);
 
-  void CheckOneBlock(const BLOCK& block);
-  void CheckLine(const SEQUENCE_LINE& line);
+  void CheckOneBlock(BLOCK& block);
+  void CheckLine(const SEQUENCE_LINE& line, const LINE_REFERENCES& references);
   void CheckLabel(const std::string& label);
-  void CheckOutput(const std::string& output);
-  void CheckJump(const SEQUENCE_LINE& line);
+  void CheckOutput(const std::string& output, const LINE_REFERENCES& references);
+  void CheckJump(const SEQUENCE_LINE& line, const LINE_REFERENCES& references);
   void CheckSubSequenceName(const SUBSEQUENCE& subSequence);
   void CheckEventName(const EVENT& event);
-  bool MemoryExceeded() const;
-  bool ExpandsTooFar();
 
   CAppServer* m_server = nullptr;
   CInstrumentManager* m_instruments = nullptr;
@@ -131,17 +125,28 @@ class QUILLPG_API CCompiler {
   int m_warnings = 0;
   int m_outputLines = 0;
   bool m_abort = false;
-  std::vector<KEY> m_keys;
+  std::vector<KEY> m_keys;  // in rising order of output lines
   std::vector<CompileErrorInfo> m_records;
 
-  // The instrument being checked.
-  CONTEXT m_context;
-  CInstrument* m_instrument = nullptr;
-  CBlockManager* m_blocks = nullptr;
-  CSequenceManager* m_sequence = nullptr;
-  CSubSequenceManager* m_subSequences = nullptr;
-  CEventManager* m_events = nullptr;
-  CProgramIndex m_index;
+  // What is being checked, and the place where the next finding lies.
+  CProgramWork m_work;
+  CompileErrorInfo m_place;
 };
+
+template <typename T, typename Check>
+Status CCompiler::ForEachObject(int (CProgramView::*countOf)() const,
+                                T* (CProgramView::*objectAt)(int) const, int firstLine,
+                                Check check) {
+  for (int i = 0; i < (m_work.Program().*countOf)(); ++i) {
+    if (m_abort) return PG_E_ABORTED;
+    T* object = (m_work.Program().*objectAt)(i);
+    if (!object) return ReportMissingObject();
+    m_place.line = firstLine + i;
+    Status status = check(i, *object);
+    if (status == S_OK) status = AfterObject(i, (m_work.Program().*countOf)());
+    if (status != S_OK) return status;
+  }
+  return S_OK;
+}
 
 }  // namespace quillpg

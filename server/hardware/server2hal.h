@@ -1,24 +1,31 @@
 #pragma once
 
-#include "hardware/pattern_packer.h"
+#include "instrument/program_work.h"
 #include "quillpg/api.h"
+#include "quillpg/engine_types.h"
 #include "quillpg/result_codes.h"
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace quillpg {
 
 class CInstrument;
+class CInstrumentManager;
 class CMessageRouter;
+class CSorrelModule;
+struct PACK_RUN;
 
 /// The download: sends the programs of all enabled instruments to their modules as text records and
 /// packed pattern words. Only what changed since the last download is sent.
 ///
 /// Control goes to the front end after each object. It may then abort the download, edit the
-/// program or delete the instrument; a nested Compile or Download is refused.
+/// program (what it edits is sent next time) or delete the instrument; a nested compile or download
+/// is refused. Nothing is sent to modules without hardware.
 class QUILLPG_API CServer2HAL {
  public:
-  CServer2HAL() = default;
+  CServer2HAL();
   CServer2HAL(const CServer2HAL&) = delete;
   CServer2HAL& operator=(const CServer2HAL&) = delete;
   virtual ~CServer2HAL() = default;
@@ -28,8 +35,11 @@ class QUILLPG_API CServer2HAL {
   /// E_FAIL with nothing touched while a compile or download runs.
   Status SendAll();
 
-  // One step each. E_FAIL for null, for a name that cannot be resolved and for a missing
-  // subsequence or line; PG_E_INTERNAL for a missing event, definition row or block; PG_E_ABORTED.
+  // One step each, for an instrument of the system. E_FAIL for any other one, for a name that
+  // cannot be resolved, for a missing subsequence or line and while a compile or download runs;
+  // PG_E_INTERNAL for a missing event, definition row or block; PG_E_ABORTED. What is missing was
+  // shown to the user.
+
   /// Events go to the first module only: deliberate.
   Status SendEventData(CInstrument* instrument);
   Status SendSubSequenceData(CInstrument* instrument);
@@ -39,16 +49,48 @@ class QUILLPG_API CServer2HAL {
   /// sent again, which relies on the modules still holding them.
   Status SendBlockData(CInstrument* instrument);
 
-  /// Ends a running download at the next object or group of pattern words.
+  /// Ends a running download at the next line, block or group of pattern words.
   Status AbortOperation();
   Status ResetAbort();
 
   /// Referenced; null drops the progress reports.
   Status SetMessageRouter(CMessageRouter* router);
 
+  /// The character of an event row that stands for a level: '0', '1', and 'X' for any other value.
+  static char FormatEventSigVal(SignalValue value);
+
  private:
+  using Step = Status (CServer2HAL::*)();
+
+  Status RunStep(CInstrument* instrument, Step step);
+  Status SendAllInstruments(const CInstrumentManager& instruments);
+  Status SendInstrument();
+
+  // The steps, for the program that is open.
+  Status SendEvents();
+  Status FormatEvent(int index, std::string& text) const;
+  Status SendSubSequences();
+  Status SendSubSequence(int index, int module);
+  Status SendSequence();
+  Status SendSequenceTo(int module);
+  Status SendBlocks();
+  Status CreateBlocks();
+  Status SendChangedBlocks();
+  Status SendBlock(int index);
+  Status SendRun(int block, ChannelMode mode, const PACK_RUN& run);
+  Status PackRun(int block, ChannelMode mode, const PACK_RUN& run, int module);
+
+  int ModuleCount() const;
+  CSorrelModule* HardwareAt(int module) const;
+  bool YieldAndReport(int index, int count);
+  static Status ReportMissing(Status status);
+  void SetProgressTitle(const std::string& text);
+  void SetProgressStatus(int percent);
+
   bool m_abort = false;
   CMessageRouter* m_router = nullptr;
+  std::vector<std::uint16_t> m_words;  // of one transfer to one module
+  CProgramWork m_work;
 };
 
 }  // namespace quillpg

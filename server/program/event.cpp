@@ -4,7 +4,7 @@
 
 namespace quillpg {
 
-EVENT::EVENT() : m_definitions(MAX_EVENT_DEFINITIONS) {}
+EVENT::EVENT() : m_definitions(MAX_EVENT_DEFINITIONS) { m_definitions.ReportTo(&m_revision); }
 
 EVENT::~EVENT() = default;
 

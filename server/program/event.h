@@ -48,7 +48,7 @@ struct QUILLPG_API EVENT {
   Status SetModified(int flag);
   bool IsValid() const { return true; }
 
-  /// `list` counts the changes of the name from now on; null takes it away.
+  /// `list` counts the changes of name and definitions from now on; null takes it away.
   void ReportTo(CRevision* list) { m_revision.ReportTo(list); }
 
   /// Bytes in a setup file.

@@ -10,12 +10,14 @@ bool IsPosition(int position) { return position >= 0 && position < EVENT_INPUTS;
 
 Status EVENT_DEFINITION::Initialize() {
   m_pattern.fill('1');
+  m_revision.Touch();
   return S_OK;
 }
 
 Status EVENT_DEFINITION::SetEventDefBit(int position, char character) {
   if (IsPosition(position)) m_pattern[static_cast<std::size_t>(position)] = character;
   m_modified.Set();  // deliberate: also when nothing was stored
+  m_revision.Touch();
   return S_OK;
 }
 

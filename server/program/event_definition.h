@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/modified_flag.h"
+#include "base/revision.h"
 #include "quillpg/api.h"
 #include "quillpg/limits.h"
 #include "quillpg/result_codes.h"
@@ -32,6 +33,9 @@ struct QUILLPG_API EVENT_DEFINITION {
   Status SetModified(int flag);
   bool IsValid() const { return true; }
 
+  /// `list` counts the changes of the row from now on; null takes it away.
+  void ReportTo(CRevision* list) { m_revision.ReportTo(list); }
+
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
@@ -40,6 +44,7 @@ struct QUILLPG_API EVENT_DEFINITION {
  private:
   CModifiedFlag m_modified;
   std::array<char, EVENT_INPUTS> m_pattern;
+  CRevision m_revision;
 };
 
 }  // namespace quillpg

@@ -48,7 +48,7 @@ class QUILLPG_API CEventManager : public CProgramManager {
   /// 0 also clears the flags of every event and definition.
   Status SetModified(int flag);
 
-  /// Counts the changes of the list and of the names in it.
+  /// Counts the changes of the list, the names and the definitions.
   std::uint64_t Revision() const { return m_events.Revision(); }
 
   /// Bytes in a setup file.

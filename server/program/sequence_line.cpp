@@ -12,12 +12,14 @@ Status SEQUENCE_LINE::Initialize() {
 Status SEQUENCE_LINE::SetRepeatCount(int count) {
   m_repeatCount = count;
   m_modified.Set();
+  m_revision.Touch();
   return S_OK;
 }
 
 Status SEQUENCE_LINE::SetSignalValue(SignalValue value) {
   m_signalValue = value;
   m_modified.Set();
+  m_revision.Touch();
   return S_OK;
 }
 

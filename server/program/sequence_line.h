@@ -44,7 +44,7 @@ struct QUILLPG_API SEQUENCE_LINE {
   bool IsEmpty() const;
   bool IsValid() const { return true; }
 
-  /// `list` counts the changes of the texts from now on; null takes it away.
+  /// `list` counts the changes of the line from now on; null takes it away.
   void ReportTo(CRevision* list) { m_revision.ReportTo(list); }
 
   /// Bytes in a setup file.

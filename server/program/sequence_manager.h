@@ -46,7 +46,7 @@ class QUILLPG_API CSequenceManager : public CProgramManager {
   /// 0 also clears the flag of every line.
   Status SetModified(int flag);
 
-  /// Counts the changes of the list and of the texts in it.
+  /// Counts the changes of the list and of its lines.
   std::uint64_t Revision() const { return m_lines.Revision(); }
 
   /// Bytes in a setup file.

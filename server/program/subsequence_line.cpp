@@ -12,6 +12,7 @@ Status SUBSEQUENCE_LINE::Initialize() {
 Status SUBSEQUENCE_LINE::SetRepeatCount(int count) {
   m_repeatCount = count;
   m_modified.Set();
+  m_revision.Touch();
   return S_OK;
 }
 

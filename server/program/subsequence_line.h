@@ -27,7 +27,7 @@ struct QUILLPG_API SUBSEQUENCE_LINE {
   Status SetModified(int flag);
   bool IsValid() const { return true; }
 
-  /// `list` counts the changes of the output from now on; null takes it away.
+  /// `list` counts the changes of the line from now on; null takes it away.
   void ReportTo(CRevision* list) { m_revision.ReportTo(list); }
 
   /// Bytes in a setup file.

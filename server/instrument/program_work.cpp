@@ -1,0 +1,42 @@
+#include "instrument/program_work.h"
+
+#include "instrument/instrument_manager.h"
+#include "quillpg/host_services.h"
+
+namespace quillpg {
+
+void CProgramWork::Open(const CInstrumentManager& instruments, CInstrument& instrument,
+                        int position) {
+  m_instruments = &instruments;
+  m_instrument = &instrument;
+  m_position = position;
+  m_listRevision = instruments.Revision();
+  m_program = CProgramView(instrument);
+  m_index.Attach(m_program);
+}
+
+void CProgramWork::Close() {
+  m_instrument = nullptr;
+  m_index.Detach();
+  m_program = CProgramView();
+}
+
+bool CProgramWork::Yield() {
+  CHostServices::Get().YieldToMessageLoop();
+  return m_instrument && (m_instruments->Revision() == m_listRevision || Follow());
+}
+
+// The instrument list changed. Another instrument may have come to lie in the same memory, so even
+// an instrument that seems to be there still is taken up anew.
+bool CProgramWork::Follow() {
+  int position = -1;
+  if (m_instruments->GetInstrumentPos(m_instrument, position) != S_OK) {
+    Close();
+    --m_position;
+    return false;
+  }
+  Open(*m_instruments, *m_instrument, position);
+  return true;
+}
+
+}  // namespace quillpg
