@@ -93,8 +93,12 @@ class COrderedList {
   template <typename Visit>
   Status RemoveEach(int first, int count, Visit&& visit) {
     if (!HoldsRange(first, count)) return E_FAIL;
-    std::vector<T*> doomed(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) doomed[static_cast<std::size_t>(i)] = At(first + i);
+    std::vector<T*> doomed;
+    const Status status = GuardAllocation([&] {
+      for (int i = 0; i < count; ++i) doomed.push_back(At(first + i));
+      return S_OK;
+    });
+    if (Failed(status)) return status;
     int position = first;
     for (T* object : doomed) {
       if (!object || PositionOf(object, position) >= 0) visit(position, object);
