@@ -5,6 +5,8 @@
 #include "program/event.h"
 #include "program/program_manager.h"
 
+#include <cstddef>
+
 namespace quillpg {
 
 /// The events of an instrument, at most MAX_EVENTS slots. Names need neither be given nor unique.
@@ -21,6 +23,9 @@ class QUILLPG_API CEventManager : public CProgramManager {
   /// Takes the event over on success only and raises OnEventListChanged. Null is S_OK and does
   /// nothing (deliberate); E_FAIL for a full list or a bad position.
   Status InsertEvent(int position, std::unique_ptr<EVENT>&& event);
+  Status InsertEvent(int position, std::nullptr_t) {
+    return InsertEvent(position, std::unique_ptr<EVENT>());
+  }
   /// Raises OnEventDeleted for each event after it is gone.
   Status DeleteEvent(int first, int count);
   /// Silent.

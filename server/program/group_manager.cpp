@@ -28,8 +28,7 @@ int CGroupManager::Find(std::string_view name) const {
     const Status indexed = GuardAllocation([&] { return IndexNames(); });
     if (Failed(indexed)) return m_groups.Find(name);
   }
-  const INDEXED_NAME* found = m_nameIndex.Find(name);
-  return found ? found->first : -1;
+  return m_nameIndex.First(name);
 }
 
 Status CGroupManager::IndexNames() const {

@@ -5,6 +5,8 @@
 #include "program/program_manager.h"
 #include "program/subsequence.h"
 
+#include <cstddef>
+
 namespace quillpg {
 
 /// The subsequences of an instrument, at most MAX_SUBSEQUENCES slots. Names need neither be given
@@ -20,6 +22,9 @@ class QUILLPG_API CSubSequenceManager : public CProgramManager {
   Status InsertSubSequence(int position, const std::string& name);
   /// Takes the subsequence over on success only; E_FAIL for null, a full list or a bad position.
   Status InsertSubSequence(int position, std::unique_ptr<SUBSEQUENCE>&& subsequence);
+  Status InsertSubSequence(int position, std::nullptr_t) {
+    return InsertSubSequence(position, std::unique_ptr<SUBSEQUENCE>());
+  }
   Status DeleteSubSequence(int first, int count);
   Status DeleteAll();
 

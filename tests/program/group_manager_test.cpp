@@ -33,7 +33,8 @@ class GroupManager : public testing::Test, public CInstrumentFixture {
   }
   int Find(const char* name) {
     int index = -7;
-    EXPECT_EQ(Groups().FindGroup(name, index), index < 0 ? E_FAIL : S_OK);
+    const Status status = Groups().FindGroup(name, index);
+    EXPECT_EQ(status, index < 0 ? E_FAIL : S_OK);
     return index;
   }
   // Names of the group states of the first block.
