@@ -113,24 +113,6 @@ TEST(ModuleManager, InstrumentsLoseModulesThatAreDestroyed) {
   EXPECT_EQ(2, CountModules(*manager));
 }
 
-TEST(ModuleManager, WorksWithTheAdapterOfAHost) {
-  CExampleSystem system;
-  CExampleLibrary library(&system);
-  CHardwareManager::Install(&library);
-  CModuleManager manager;
-  ASSERT_EQ(S_OK, manager.Initialize());
-  ASSERT_EQ(S_OK, manager.InitializeModules());
-  CModule* module = nullptr;
-  ASSERT_EQ(S_OK, manager.GetModuleAt(0, &module));
-  EXPECT_EQ(S_OK, module->SetOutputLevel(0, 2.5));
-  EXPECT_EQ(E_FAIL, module->SetOutputLevel(1, 2.6));  // the hardware made 2.5 of it
-  EXPECT_EQ(E_FAIL, module->SetStrobeEnable(0, 1));   // the hardware has no such setting
-  double volts = 0;
-  EXPECT_EQ(S_OK, module->GetOutputLevel(1, volts));
-  EXPECT_EQ(2.5, volts);
-  CHardwareManager::Install(nullptr);
-}
-
 // A library that walks nowhere: the same module for ever, or no module at all.
 class CStuckSystem : public CExampleSystem {
  public:
