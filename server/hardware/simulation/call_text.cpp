@@ -2,7 +2,6 @@
 
 #include "base/text.h"
 
-#include <array>
 #include <cmath>
 #include <type_traits>
 
@@ -28,6 +27,12 @@ void AppendQuoted(std::string& out, std::string_view text) {
   out += '"';
 }
 
+bool IsFinite(const CALL_ARGUMENT& argument) {
+  const auto* real = std::get_if<double>(&argument);
+  const auto* small = std::get_if<float>(&argument);
+  return (!real || std::isfinite(*real)) && (!small || std::isfinite(*small));
+}
+
 }  // namespace
 
 void AppendPlain(std::string& out, const CALL_ARGUMENT& argument) {
@@ -50,12 +55,10 @@ void AppendJson(std::string& out, const CALL_ARGUMENT& argument) {
     AppendQuoted(out, std::string_view(letter, 1));
   } else if (const auto* text = std::get_if<std::string_view>(&argument)) {
     AppendQuoted(out, *text);
-  } else if (const auto* real = std::get_if<double>(&argument); real && !std::isfinite(*real)) {
-    out += "null";
-  } else if (const auto* small = std::get_if<float>(&argument); small && !std::isfinite(*small)) {
-    out += "null";
-  } else {
+  } else if (IsFinite(argument)) {
     AppendPlain(out, argument);
+  } else {
+    out += "null";
   }
 }
 
