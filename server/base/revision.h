@@ -13,6 +13,8 @@ class CRevision {
  public:
   CRevision() = default;
   CRevision(const CRevision&) {}
+  // Copies nothing, so copying itself does no harm.
+  // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
   CRevision& operator=(const CRevision&) {
     Touch();
     return *this;
