@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::int64_t kMaxWork = 50'000'000;  // gaps looked at before the search gives up
 constexpr double kSlack = 1e-9;                // of bounds, against rounding of doubles
+constexpr int kHalvings = 20;                  // how closely the ends of bounds are looked for
 
 // A number n x 10^exponent.
 struct DECIMAL {
@@ -21,11 +22,6 @@ struct DECIMAL {
 RATIO ToRatio(DECIMAL decimal) {
   return ScaleByPowerOfTen(MakeRatio(decimal.number, 1), decimal.exponent);
 }
-
-struct CANDIDATE {
-  std::int64_t digits;  // of the number that it is made from
-  RATIO step;
-};
 
 // The number with the fewest digits in a range of positive numbers.
 DECIMAL FewestDigits(double least, double most) {
@@ -103,40 +99,77 @@ CGridSearch::TRIAL CGridSearch::MakeTrial(BOUNDS bounds, std::size_t gap) const 
   return {bounds, gap, static_cast<std::int64_t>(fewest), static_cast<std::int64_t>(most)};
 }
 
-// All gaps agree with these bounds: the times themselves, whose numbers of steps the gaps give,
-// narrow them. Rates and periods that people set have few digits: of all steps within the bounds
-// for rounded, for cut and for anyhow shifted times the roundest that explains the times is taken.
+// All gaps agree with these bounds: the times themselves narrow them to the steps that explain all
+// of them. Rates and periods that people set have few digits: the roundest one is taken.
 RATIO CGridSearch::Settle(BOUNDS bounds, RATIO ticksPerSecond) {
   m_work += static_cast<std::int64_t>(m_times.size());
-  std::vector<CANDIDATE> candidates;
-  for (const BOUNDS offset : {BOUNDS{-0.5, 0.5}, BOUNDS{0, 1}, BOUNDS{-1, 1}}) {
-    const BOUNDS narrow = Narrow(bounds, offset);
-    if (narrow.IsEmpty()) continue;
-    const double perSecond = ticksPerSecond.ToDouble();
-    const DECIMAL rate = FewestDigits(perSecond / narrow.most, perSecond / narrow.least);
-    const DECIMAL period = FewestDigits(narrow.least, narrow.most);
-    candidates.push_back({rate.number, Divide(ticksPerSecond, ToRatio(rate))});
-    candidates.push_back({period.number, ToRatio(period)});
-  }
-  std::stable_sort(candidates.begin(), candidates.end(),
-                   [](const CANDIDATE& a, const CANDIDATE& b) { return a.digits < b.digits; });
-  for (const CANDIDATE& candidate : candidates) {
-    if (candidate.step.IsSet() && LiesOnGrid(m_times, candidate.step)) return candidate.step;
+  if (!Number(bounds) || !Narrow(bounds)) return RATIO{};
+  const double perSecond = ticksPerSecond.ToDouble();
+  const DECIMAL rate = FewestDigits(perSecond / bounds.most, perSecond / bounds.least);
+  const DECIMAL period = FewestDigits(bounds.least, bounds.most);
+  const RATIO steps[] = {Divide(ticksPerSecond, ToRatio(rate)), ToRatio(period)};
+  const bool rateFirst = rate.number <= period.number;
+  for (const RATIO& step : {steps[rateFirst ? 0 : 1], steps[rateFirst ? 1 : 0]}) {
+    if (step.IsSet() && LiesOnGrid(m_times, step)) return step;
   }
   return RATIO{};
 }
 
-// Bounds of the step when each time is its number of steps, rounded within `offset`.
-CGridSearch::BOUNDS CGridSearch::Narrow(BOUNDS bounds, BOUNDS offset) const {
-  double steps = 0;
-  for (std::size_t i = 1; i < m_times.size() && !bounds.IsEmpty(); ++i) {
+// Gives each time its number of steps, which follows from the gaps, and narrows the bounds by it.
+bool CGridSearch::Number(BOUNDS& bounds) {
+  m_steps.assign(1, 0);
+  for (std::size_t i = 1; i < m_times.size(); ++i) {
     const auto gap = static_cast<double>(m_times[i] - m_times[i - 1]);
-    steps += std::nearbyint(gap * 2 / (bounds.least + bounds.most));
+    m_steps.push_back(m_steps.back() + std::nearbyint(gap * 2 / (bounds.least + bounds.most)));
     const auto time = static_cast<double>(m_times[i]);
-    bounds.least = std::max(bounds.least, (time + offset.least) / steps);
-    bounds.most = std::min(bounds.most, (time + offset.most) / steps);
+    bounds.least = std::max(bounds.least, (time - 1) / m_steps.back());
+    bounds.most = std::min(bounds.most, (time + 1) / m_steps.back());
+    if (bounds.IsEmpty()) return false;
   }
-  return bounds;
+  return true;
+}
+
+// What a step leaves of the times lies in a range whose width is convex in the step: from the
+// narrowest on both sides are searched for where it grows beyond a tick.
+bool CGridSearch::Narrow(BOUNDS& bounds) const {
+  BOUNDS search = bounds;
+  double inside = (search.least + search.most) / 2;
+  for (REST rest = RestOf(inside); rest.width > 1; rest = RestOf(inside)) {
+    (rest.grows ? search.most : search.least) = inside;
+    const double middle = (search.least + search.most) / 2;
+    if (middle <= search.least || middle >= search.most) return false;
+    inside = middle;
+  }
+  for (double* end : {&bounds.least, &bounds.most}) {
+    if (RestOf(*end).width <= 1) continue;
+    double outside = *end;
+    double good = inside;
+    for (int halvings = 0; halvings < kHalvings; ++halvings) {
+      const double middle = (outside + good) / 2;
+      (RestOf(middle).width <= 1 ? good : outside) = middle;
+    }
+    *end = good;
+  }
+  return true;
+}
+
+CGridSearch::REST CGridSearch::RestOf(double step) const {
+  double least = 0;
+  double most = 0;
+  double leastSteps = 0;
+  double mostSteps = 0;
+  for (std::size_t i = 0; i < m_times.size(); ++i) {
+    const double rest = static_cast<double>(m_times[i]) - m_steps[i] * step;
+    if (rest < least) {
+      least = rest;
+      leastSteps = m_steps[i];
+    }
+    if (rest > most) {
+      most = rest;
+      mostSteps = m_steps[i];
+    }
+  }
+  return {most - least, leastSteps > mostSteps};
 }
 
 }  // namespace quillpg

@@ -39,13 +39,21 @@ class CGridSearch {
     std::int64_t steps;
     std::int64_t mostSteps;
   };
+  // Width of the range in which the times' distances from the grid lie; it grows with the step.
+  struct REST {
+    double width;
+    bool grows;
+  };
 
   TRIAL MakeTrial(BOUNDS bounds, std::size_t gap) const;
   RATIO Settle(BOUNDS bounds, RATIO ticksPerSecond);
-  BOUNDS Narrow(BOUNDS bounds, BOUNDS offset) const;
+  bool Number(BOUNDS& bounds);
+  bool Narrow(BOUNDS& bounds) const;
+  REST RestOf(double step) const;
 
   std::span<const std::int64_t> m_times;
   std::vector<std::int64_t> m_gaps;  // distinct, rising
+  std::vector<double> m_steps;       // for each time, as the bounds at hand number them
   std::int64_t m_work = 0;
 };
 

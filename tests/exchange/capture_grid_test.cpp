@@ -71,8 +71,8 @@ TEST(CaptureGrid, FindsRoundedGridsOfManyRates) {
           CCaptureGrid finder;
           SAMPLE_GRID grid;
           ASSERT_EQ(finder.Find(capture, RATIO{}, grid), S_OK) << finder.GetErrorText();
-          // Every rate here has a period of several ticks: there is but one such grid.
-          EXPECT_EQ(grid.period, (RATIO{1, row.rate}));
+          // Short captures leave several rates, of which the roundest is taken.
+          EXPECT_NEAR(grid.period.ToDouble() * static_cast<double>(row.rate), 1, 1e-5);
           EXPECT_EQ(grid.first, samples);
           EXPECT_EQ(grid.vectors, end);
         }
