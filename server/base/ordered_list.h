@@ -139,8 +139,8 @@ class COrderedList {
   }
 
   /// Exchanges the slot with its upper neighbour (its lower one); E_FAIL where there is none.
-  Status MoveUp(int position) { return SwapNeighbours(position - 1, position >= 1); }
-  Status MoveDown(int position) { return SwapNeighbours(position, position >= 0); }
+  Status MoveUp(int position) { return position >= 1 ? SwapNeighbours(position - 1) : E_FAIL; }
+  Status MoveDown(int position) { return SwapNeighbours(position); }
 
   /// Position of the first object of that name without regard to case, or -1. The caller trims.
   int Find(std::string_view name) const {
@@ -206,8 +206,8 @@ class COrderedList {
   }
 
  private:
-  Status SwapNeighbours(int upper, bool inRange) {
-    if (!inRange || !HoldsRange(upper, 2)) return E_FAIL;
+  Status SwapNeighbours(int upper) {
+    if (!HoldsRange(upper, 2)) return E_FAIL;
     std::swap(m_slots[static_cast<std::size_t>(upper)],
               m_slots[static_cast<std::size_t>(upper) + 1]);
     m_revision.Touch();

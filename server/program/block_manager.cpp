@@ -200,15 +200,14 @@ Status CBlockManager::SetBlockInfo(int index, const std::string& name, int size)
   return S_OK;  // deliberate: whatever the two answered
 }
 
-Status CBlockManager::MoveUp(int index) { return Moved(index, index - 1, m_blocks.MoveUp(index)); }
-Status CBlockManager::MoveDown(int index) {
-  return Moved(index, index + 1, m_blocks.MoveDown(index));
-}
+Status CBlockManager::MoveUp(int index) { return Moved(m_blocks.MoveUp(index), index, -1); }
+Status CBlockManager::MoveDown(int index) { return Moved(m_blocks.MoveDown(index), index, 1); }
 
-// Reports that the block of `index` changed places with its neighbour.
-Status CBlockManager::Moved(int index, int neighbour, Status status) {
+// Reports that the block of `index` changed places with the one `step` further.
+Status CBlockManager::Moved(Status status, int index, int step) {
   if (Failed(status)) return status;
   m_modified.Set();
+  const int neighbour = index + step;
   const std::string name = NameOrEmpty(m_blocks.At(neighbour));
   const std::string neighbourName = NameOrEmpty(m_blocks.At(index));
   Tell([&](CEventHandler& handler) {

@@ -83,7 +83,7 @@ class QUILLPG_API CBlockManager : public CProgramManager {
   bool IsSizeAllowed(int size) const;
   char DefaultChannelValue() const;
   void UpdateListingState(BLOCK& block) const;
-  Status Moved(int index, int neighbour, Status status);
+  Status Moved(Status status, int index, int step);
 
   COrderedList<BLOCK> m_blocks;
   CModifiedFlag m_modified;
