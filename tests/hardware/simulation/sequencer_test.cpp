@@ -246,6 +246,17 @@ TEST(Sequencer, SignalOutputFollowsTheLineAndIsHeld) {
   EXPECT_EQ("01112", lines);
 }
 
+TEST(Sequencer, EveryRunBeginsAnew) {
+  CLetterPlayer player("2,1,1,0,0,1");
+  player.SetSignalInput("01");
+  player.Start();
+  player.hardware.Control().Clock(9);
+  player.Start();
+  player.hardware.Control().Clock(9);
+  EXPECT_EQ(".f.f IDL", player.Played());
+  EXPECT_EQ(0, player.sink.Vectors(0)[2].signal);
+}
+
 TEST(Sequencer, BlocksThatChangeWhileTheyPlayEndCleanly) {
   CLetterPlayer player("0,3,0,0,0,1,2,1,0,0,0,1");
   player.Start();
