@@ -47,7 +47,7 @@ class QUILLPG_API CCaptureImport {
   /// in the text when five modules with the option cannot hold it.
   Status Plan(RATIO period);
 
-  /// Gives the simulated mainframe the modules of the plan.
+  /// Gives the installed simulated mainframe the modules of the plan; E_FAIL for real hardware.
   Status ConfigureSimulation();
 
   /// Replaces the server's instruments by one that holds the capture as groups, blocks and
@@ -63,10 +63,12 @@ class QUILLPG_API CCaptureImport {
   /// program that plays it.
   std::int64_t GetLength() const { return m_plan.grid.vectors; }
 
-  /// Describes the loaded instrument for the dump, with the capture's own names and time grid.
+  /// Describes the loaded instrument, which must still stand, for the dump: with the capture's own
+  /// names and time grid.
   Status DescribeForVcd(VCD_INSTRUMENT& description) const;
 
  private:
+  Status ChooseHardware(CAPTURE_PLAN& plan);
   bool ReportProgress(int percent);
   Status Fail(Status status, const std::string& text);
 
