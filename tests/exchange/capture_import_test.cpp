@@ -1,0 +1,199 @@
+#include "exchange/capture_import.h"
+
+#include "exchange/capture_loader.h"
+#include "exchange/capture_runs.h"
+#include "hardware/module_manager.h"
+#include "hardware/simulation/memory_sink.h"
+#include "instrument/instrument.h"
+#include "program/group.h"
+#include "program/group_manager.h"
+#include "quillpg/app_server.h"
+#include "support/instrument_fixture.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <random>
+#include <sstream>
+
+namespace quillpg {
+namespace {
+
+/// A capture file that is gone with the object.
+class CCaptureFile {
+ public:
+  explicit CCaptureFile(const std::string& text) : m_path(testing::TempDir() + "capture_test.vcd") {
+    std::ofstream(m_path, std::ios::binary) << text;
+  }
+  ~CCaptureFile() { std::remove(m_path.c_str()); }
+  const std::string& Path() const { return m_path; }
+
+ private:
+  std::string m_path;
+};
+
+using LevelAt = std::function<std::uint64_t(std::int64_t vector, int signal)>;
+
+// A file of `signals` scalars whose vectors, `step` nanoseconds each, `levelAt` gives.
+std::string WriteCapture(int signals, std::int64_t vectors, std::int64_t step,
+                         const LevelAt& levelAt) {
+  std::ostringstream out;
+  out << "$timescale 1 ns $end\n";
+  for (int i = 0; i < signals; ++i) out << "$var wire 1 n" << i << " s" << i << " $end\n";
+  out << "$enddefinitions $end\n";
+  for (std::int64_t v = 0; v < vectors; ++v) {
+    std::string changes;
+    for (int i = 0; i < signals; ++i) {
+      const std::uint64_t level = levelAt(v, i);
+      if (v != 0 && level == levelAt(v - 1, i)) continue;
+      changes += (level ? " 1n" : " 0n") + std::to_string(i);
+    }
+    if (!changes.empty()) out << '#' << v * step << changes << '\n';
+  }
+  out << '#' << vectors * step << '\n';
+  return out.str();
+}
+
+std::uint64_t Noise(std::int64_t vector, int signal) {
+  return MixHash(static_cast<std::uint64_t>(vector), static_cast<std::uint64_t>(signal)) >> 63;
+}
+
+std::uint64_t Pulse(std::int64_t vector, int signal) { return vector % 1000 < 7 + signal ? 1 : 0; }
+
+TEST(CaptureImport, ChoosesTheLeastHardwareAndPlaysTheCapture) {
+  struct Row {
+    const char* what;
+    int signals;
+    std::int64_t vectors;
+    std::int64_t step;
+    LevelAt levelAt;
+    ChannelMode mode;
+    int modules;
+    bool option;
+  };
+  constexpr ChannelMode kFull = ChannelMode::Full;
+  constexpr ChannelMode kHalf = ChannelMode::Half;
+  const Row rows[] = {
+      {"shorter than a block", 3, 7, 10, Noise, kFull, 1, false},
+      {"pulses and idle times", 8, 300'000, 10, Pulse, kFull, 1, false},
+      {"two modules", 65, 300, 1000, Noise, kFull, 2, false},
+      {"five modules", 320, 100, 10, Noise, kFull, 5, false},
+      {"only HALF mode is fast enough", 33, 100, 4, Noise, kHalf, 2, false},
+      {"only FULL mode is slow enough", 3, 100, 1'500'000'000, Noise, kFull, 1, false},
+      {"HALF mode's memory", 2, 300'000, 10, Noise, kHalf, 1, false},
+      {"the option in FULL mode", 2, 600'000, 10, Noise, kFull, 1, true},
+      {"the option in HALF mode", 1, 1'050'000, 10, Noise, kHalf, 1, true},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    const CCaptureFile file(WriteCapture(row.signals, row.vectors, row.step, row.levelAt));
+    CEngineFixture engine;
+    CCaptureImport import;
+    ASSERT_EQ(import.Read(file.Path()), S_OK) << import.GetErrorText();
+    ASSERT_EQ(import.Plan(RATIO{}), S_OK) << import.GetErrorText();
+    EXPECT_EQ(import.GetPlan().mode, row.mode);
+    EXPECT_EQ(import.GetPlan().modules, row.modules);
+    EXPECT_EQ(import.GetPlan().memoryOption, row.option);
+    ASSERT_EQ(import.GetLength(), row.vectors);
+    ASSERT_EQ(import.ConfigureSimulation(), S_OK) << import.GetErrorText();
+    CModuleManager* modules = nullptr;
+    ASSERT_EQ(engine.Server().GetModuleManager(&modules), S_OK);
+    ASSERT_EQ(modules->Initialize(), S_OK);
+    CInstrument* instrument = nullptr;
+    ASSERT_EQ(import.Load(&instrument), S_OK) << import.GetErrorText();
+    ASSERT_EQ(engine.Server().Compile(), S_OK);
+    ASSERT_EQ(engine.Server().Download(), S_OK);
+    CMemorySink sink;
+    engine.Simulation().AddVectorSink(&sink);
+    ASSERT_EQ(engine.Server().Run(), S_OK);
+    PlayEnd end{};
+    ASSERT_EQ(engine.Simulation().PlayUntilIdle(row.vectors, end), S_OK);
+    engine.Simulation().RemoveVectorSink(&sink);
+    const int each = row.mode == ChannelMode::Full ? 64 : 32;
+    std::int64_t wrong = 0;
+    for (int signal = 0; signal < row.signals; ++signal) {
+      const auto& played = sink.Vectors(signal / each);
+      ASSERT_EQ(played.size(), static_cast<std::size_t>(row.vectors));
+      for (std::int64_t v = 0; v < row.vectors; ++v) {
+        const std::uint64_t levels = played[static_cast<std::size_t>(v)].levels;
+        wrong += (levels >> (signal % each) & 1) != row.levelAt(v, signal) ? 1 : 0;
+      }
+    }
+    EXPECT_EQ(wrong, 0);
+  }
+}
+
+TEST(CaptureImport, RefusesWithTheFigures) {
+  struct Row {
+    const char* what;
+    std::string text;
+    RATIO period;
+    Status status;
+    const char* error;  // behind the file's name
+  };
+  const Row rows[] = {
+      {"too fast",
+       "$timescale 1 ps $end $var wire 1 ! D $end $enddefinitions $end #0 0! #1 1! #3",
+       {},
+       E_FAIL,
+       ": no sample period fits the time stamps, whose common step is 1 ps: the clock plays "
+       "3.7313432 ns to 2 s; give --period"},
+      {"period given",
+       WriteCapture(1, 10, 10, Noise),
+       {1, 1'000'000'000},
+       E_FAIL,
+       ": a period of 1 ns cannot be played: the clock plays 3.7313432 ns to 2 s; give --period"},
+      {"too long",
+       WriteCapture(1, 2'100'000, 10, Noise),
+       {},
+       PG_E_LIMIT,
+       ": the capture does not fit: it has 2100000 vectors of 1 channels and needs in FULL mode "
+       "2100000 vectors of memory, of 1048572 with the memory option; in HALF mode 2100000 vectors "
+       "of memory, of 2097144 with the memory option"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    const CCaptureFile file(row.text);
+    CCaptureImport import;
+    ASSERT_EQ(import.Read(file.Path()), S_OK) << import.GetErrorText();
+    EXPECT_EQ(import.Plan(row.period), row.status);
+    EXPECT_EQ(import.GetErrorText(), file.Path() + row.error);
+    CInstrument* instrument = nullptr;
+    EXPECT_EQ(import.Load(&instrument), E_FAIL);
+  }
+}
+
+TEST(CaptureImport, NamesGroupsApartAndPinsAsTheCaptureDoes) {
+  const CCaptureFile file(
+      "$comment at 1 MHz $end $timescale 1 us $end $var wire 1 a Clk $end\n"
+      "$var wire 1 b CLK $end $var wire 1 c clk_2 $end $var wire 1 d $end $var wire 1 e Clk $end\n"
+      "$var wire 3 f D+ [4:2] $end $enddefinitions $end\n"
+      "#0 1a 0b 1c 0d 1e b011 f #100\n");
+  CInstrumentFixture engine;
+  CCaptureImport import;
+  ASSERT_EQ(import.Read(file.Path()), S_OK) << import.GetErrorText();
+  ASSERT_EQ(import.Plan(RATIO{}), S_OK) << import.GetErrorText();
+  CInstrument* instrument = nullptr;
+  VCD_INSTRUMENT pins;
+  EXPECT_EQ(import.DescribeForVcd(pins), E_FAIL);  // not loaded
+  ASSERT_EQ(import.Load(&instrument), S_OK) << import.GetErrorText();
+  CGroupManager* groups = nullptr;
+  ASSERT_EQ(instrument->GetGroupManager(&groups), S_OK);
+  std::vector<std::string> names;
+  ASSERT_EQ(groups->GetGroupNames(names), S_OK);
+  EXPECT_EQ(names, (std::vector<std::string>{"Clk", "CLK_3", "clk_2", "_1", "Clk_4", "D+"}));
+  GROUP* group = nullptr;
+  ASSERT_EQ(groups->GetGroup("D+", &group), S_OK);
+  EXPECT_EQ(group->Channels(), (std::vector<int>{7, 6, 5}));  // most significant first
+  ASSERT_EQ(import.DescribeForVcd(pins), S_OK);
+  std::string text;
+  for (const VCD_SIGNAL& signal : pins.signals) text += signal.name + signal.range + ",";
+  EXPECT_EQ(text, "Clk,CLK,clk_2,,Clk,D+[4:2],");
+  EXPECT_EQ(pins.signals.back().channels, group->Channels());
+  EXPECT_EQ(pins.period, import.GetPlan().grid.period);
+}
+
+}  // namespace
+}  // namespace quillpg
