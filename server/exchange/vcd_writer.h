@@ -13,6 +13,7 @@
 namespace quillpg {
 
 class CVcdLane;
+class CVcdOutput;
 
 /// A signal of the dump: the channels of one instrument that make up a value.
 struct VCD_SIGNAL {
@@ -74,11 +75,20 @@ class QUILLPG_API CVcdWriter : public CVectorSink {
   const std::string& GetErrorText() const { return m_errorText; }
 
  private:
-  Status Prepare(const std::vector<VCD_INSTRUMENT>& instruments, const VCD_OPTIONS& options);
-  Status WriteMerged(const std::string& part);
+  struct PLAN;
+  class CHeaderMaker;
+
+  static Status Prepare(const std::vector<VCD_INSTRUMENT>& instruments, const VCD_OPTIONS& options,
+                        PLAN& plan);
+  void AddLane(CVcdOutput output, PLAN& plan, std::size_t index);
+  std::string PartBase() const;
+  Status MergeLanes();
+  Status Fail(Status status, std::string text);
 
   std::string m_path;
   std::string m_header;
+  bool m_direct = false;             // the path is no regular file: nothing is renamed
+  std::vector<std::string> m_parts;  // files that lie beside the path until the end
   std::vector<std::unique_ptr<CVcdLane>> m_lanes;
   std::string m_errorText;
 };

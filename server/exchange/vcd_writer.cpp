@@ -1,0 +1,329 @@
+#include "exchange/vcd_writer.h"
+
+#include "base/guard.h"
+#include "base/text.h"
+#include "exchange/vcd_lane.h"
+#include "exchange/vcd_merge.h"
+#include "exchange/vcd_names.h"
+#include "exchange/vcd_text.h"
+#include "quillpg/limits.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <system_error>
+#include <utility>
+
+namespace quillpg {
+
+namespace {
+
+constexpr int kWholeSecond = 0;
+constexpr int kMostParts = 100;
+
+// The coarsest tick of which every period is a whole multiple, else the finest one that an
+// instrument asks for, else 1 fs.
+int ChooseTick(const std::vector<VCD_INSTRUMENT>& instruments) {
+  const auto holdsAll = [&instruments](int exponent) {
+    return std::ranges::all_of(instruments, [exponent](const VCD_INSTRUMENT& instrument) {
+      const RATIO ticks = ScaleByPowerOfTen(instrument.period, -exponent);
+      return ticks.IsSet() && ticks.denominator == 1;
+    });
+  };
+  for (int exponent = VCD_COARSEST_TICK; exponent >= VCD_FINEST_TICK; --exponent) {
+    if (holdsAll(exponent)) return exponent;
+  }
+  int tick = kWholeSecond;
+  for (const VCD_INSTRUMENT& instrument : instruments) {
+    const int asked = instrument.tickExponent;
+    tick = std::min(tick, asked < 0 && asked >= VCD_FINEST_TICK ? asked : VCD_FINEST_TICK);
+  }
+  return tick;
+}
+
+// A signal of the dump before it has an identifier: a whole signal, or one channel of it.
+struct PART {
+  std::string name;
+  std::string range;
+  std::vector<int> channels;
+};
+
+// "[7:0]" -> 7 and a step of -1, so that the channels of the signal count down from 7.
+void ParseRange(const std::string& range, int width, int& first, int& step) {
+  first = width - 1;
+  step = -1;
+  int values[2] = {0, 0};
+  std::size_t which = 0;
+  bool any = false;
+  for (const char c : range) {
+    if (c == ':') {
+      which = 1;
+    } else if (c >= '0' && c <= '9' && values[which] < 100000) {
+      values[which] = values[which] * 10 + (c - '0');
+      any = true;
+    }
+  }
+  if (!any || which == 0 || std::abs(values[0] - values[1]) != width - 1) return;
+  first = values[0];
+  step = values[0] > values[1] ? -1 : 1;
+}
+
+std::vector<PART> SplitIntoParts(const VCD_SIGNAL& signal, bool bits) {
+  const int width = static_cast<int>(signal.channels.size());
+  if (width == 0) return {};
+  if (width == 1) return {{signal.name + signal.range, {}, signal.channels}};
+  int index = 0;
+  int step = 0;
+  ParseRange(signal.range, width, index, step);
+  if (!bits) {
+    const std::string made = FormatText("[%d:%d]", {index, index + step * (width - 1)});
+    return {{signal.name, signal.range.empty() ? made : signal.range, signal.channels}};
+  }
+  std::vector<PART> parts;
+  for (const int channel : signal.channels) {
+    parts.push_back({signal.name + FormatText("[%d]", {index}), std::string(), {channel}});
+    index += step;
+  }
+  return parts;
+}
+
+// Channel numbers count over the instrument's modules; a row has one word of 64 bits for each.
+int RowBit(int channel, int channelsPerModule) {
+  return channel / channelsPerModule * 64 + channel % channelsPerModule;
+}
+
+bool IsUsable(const VCD_INSTRUMENT& instrument) {
+  if (!instrument.period.IsSet()) return false;
+  if (instrument.channelsPerModule < 1 || instrument.channelsPerModule > 64) return false;
+  const int channels = instrument.channelsPerModule * MAX_INSTRUMENT_MODULES;
+  return std::ranges::all_of(instrument.signals, [channels](const VCD_SIGNAL& signal) {
+    return std::ranges::all_of(
+        signal.channels, [channels](int channel) { return channel >= 0 && channel < channels; });
+  });
+}
+
+// Names that more than one instrument uses.
+std::set<std::string> FindClashes(const std::vector<VCD_INSTRUMENT>& instruments) {
+  std::set<std::string> seen;
+  std::set<std::string> clashes;
+  for (const VCD_INSTRUMENT& instrument : instruments) {
+    std::set<std::string> names;
+    for (const VCD_SIGNAL& signal : instrument.signals) names.insert(MakeVcdName(signal.name));
+    for (const std::string& name : names) {
+      if (!seen.insert(name).second) clashes.insert(name);
+    }
+  }
+  return clashes;
+}
+
+// Opens a file that did not exist before, beside `path`.
+std::FILE* OpenBeside(const std::string& path, std::string& part) {
+  for (int i = 0; i < kMostParts; ++i) {
+    part = path + ".part";
+    AppendNumber(part, i);
+    if (std::FILE* file = std::fopen(part.c_str(), "wbx")) return file;
+    std::error_code ignored;
+    if (!std::filesystem::exists(part, ignored)) return nullptr;
+  }
+  return nullptr;
+}
+
+// A pipe or a device has no place beside it and is written to as it comes.
+bool IsWrittenDirectly(const std::string& path) {
+  std::error_code error;
+  const auto status = std::filesystem::status(path, error);
+  return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+         !std::filesystem::is_directory(status);
+}
+
+void RemoveFile(const std::string& path) {
+  std::error_code ignored;
+  std::filesystem::remove(path, ignored);
+}
+
+}  // namespace
+
+// What the header declares, made once all instruments are known.
+struct CVcdWriter::PLAN {
+  struct LANE {
+    int module = 0;
+    RATIO period;  // ticks
+    std::vector<VCD_VARIABLE> variables;
+    std::string lineId;
+    std::string signalId;
+  };
+  std::string header;
+  std::vector<LANE> lanes;
+};
+
+CVcdWriter::CVcdWriter() = default;
+
+CVcdWriter::~CVcdWriter() { Discard(); }
+
+Status CVcdWriter::Fail(Status status, std::string text) {
+  m_errorText = std::move(text);
+  Discard();
+  return status;
+}
+
+// Writes the declarations and notes what they mean.
+class CVcdWriter::CHeaderMaker {
+ public:
+  CHeaderMaker(PLAN& plan, const std::vector<VCD_INSTRUMENT>& instruments, VCD_OPTIONS options)
+      : m_plan(plan), m_options(options), m_clashes(FindClashes(instruments)) {}
+
+  void Add(const VCD_INSTRUMENT& instrument) {
+    PLAN::LANE& lane = m_plan.lanes.back();
+    m_plan.header += "$scope module " + m_scopes.Claim(instrument.name) + " $end\n";
+    for (const VCD_SIGNAL& signal : instrument.signals) {
+      const bool clashes = m_clashes.contains(MakeVcdName(signal.name));
+      for (PART& part : SplitIntoParts(signal, m_options.bits)) {
+        if (clashes) part.name = instrument.name + '.' + part.name;
+        VCD_VARIABLE& variable = lane.variables.emplace_back();
+        variable.id = Declare(part);
+        for (const int channel : part.channels) {
+          variable.bits.push_back(RowBit(channel, instrument.channelsPerModule));
+        }
+      }
+    }
+    if (m_options.annotate) {
+      lane.lineId = Declare({"sequence_line", "[15:0]", std::vector<int>(16)});
+      lane.signalId = Declare({"signal_out", {}, std::vector<int>(1)});
+    }
+    m_plan.header += "$upscope $end\n";
+  }
+
+ private:
+  std::string Declare(const PART& part) {
+    std::string id = VcdIdentifier(m_nextId++);
+    const std::string name = m_names.Claim(part.name);
+    const int width = static_cast<int>(part.channels.size());
+    m_plan.header += FormatText("$var wire %d %s %s", {width, id, name});
+    m_plan.header += part.range.empty() ? " $end\n" : ' ' + part.range + " $end\n";
+    return id;
+  }
+
+  PLAN& m_plan;
+  VCD_OPTIONS m_options;
+  std::set<std::string> m_clashes;
+  CVcdNames m_names;
+  CVcdNames m_scopes;
+  int m_nextId = 0;
+};
+
+Status CVcdWriter::Prepare(const std::vector<VCD_INSTRUMENT>& instruments,
+                           const VCD_OPTIONS& options, PLAN& plan) {
+  const int tick = ChooseTick(instruments);
+  plan.header = "$version quillpg $end\n$timescale " + FormatTimescale(tick) + " $end\n";
+  CHeaderMaker maker(plan, instruments, options);
+  for (const VCD_INSTRUMENT& instrument : instruments) {
+    if (!IsUsable(instrument)) return E_FAIL;
+    PLAN::LANE& lane = plan.lanes.emplace_back();
+    lane.module = instrument.module;
+    lane.period = ScaleByPowerOfTen(instrument.period, -tick);
+    if (!lane.period.IsSet()) return E_FAIL;
+    maker.Add(instrument);
+  }
+  plan.header += "$enddefinitions $end\n";
+  return S_OK;
+}
+
+void CVcdWriter::AddLane(CVcdOutput output, PLAN& plan, std::size_t index) {
+  PLAN::LANE& lane = plan.lanes[index];
+  m_lanes.push_back(std::make_unique<CVcdLane>(std::move(output), lane.module, lane.period,
+                                               std::move(lane.variables), std::move(lane.lineId),
+                                               std::move(lane.signalId)));
+}
+
+Status CVcdWriter::Open(const std::string& path, const std::vector<VCD_INSTRUMENT>& instruments,
+                        const VCD_OPTIONS& options) {
+  Discard();
+  return GuardAllocation([&]() -> Status {
+    PLAN plan;
+    if (instruments.empty() || Prepare(instruments, options, plan) != S_OK) {
+      return Fail(E_FAIL, path + ": an instrument cannot be written as a dump");
+    }
+    m_path = path;
+    m_header = plan.header;
+    m_direct = IsWrittenDirectly(path);
+    for (std::size_t i = 0; i < plan.lanes.size(); ++i) {
+      std::string part;
+      // A single lane into a device goes straight there.
+      std::FILE* file = m_direct && plan.lanes.size() == 1 ? std::fopen(path.c_str(), "wb")
+                                                           : OpenBeside(PartBase(), part);
+      if (!file) return Fail(PG_E_FILE_NOT_OPENED, path + ": cannot be written");
+      m_parts.push_back(part);
+      AddLane(CVcdOutput(file), plan, i);
+    }
+    if (m_lanes.size() == 1) m_lanes[0]->Output().Append(m_header);
+    return S_OK;
+  });
+}
+
+Status CVcdWriter::OpenText(std::string& text, const VCD_INSTRUMENT& instrument,
+                            const VCD_OPTIONS& options) {
+  Discard();
+  return GuardAllocation([&]() -> Status {
+    PLAN plan;
+    if (Prepare({instrument}, options, plan) != S_OK) {
+      return Fail(E_FAIL, "the instrument cannot be written as a dump");
+    }
+    AddLane(CVcdOutput(text), plan, 0);
+    m_lanes[0]->Output().Append(plan.header);
+    return S_OK;
+  });
+}
+
+std::string CVcdWriter::PartBase() const {
+  if (!m_direct) return m_path;
+  std::error_code error;
+  const auto folder = std::filesystem::temp_directory_path(error);
+  return (error ? std::filesystem::path("quillpg") : folder / "quillpg").string();
+}
+
+void CVcdWriter::OnRun(const VECTOR_RUN& run) {
+  for (const auto& lane : m_lanes) {
+    if (lane->Module() == run.module) lane->Write(run);
+  }
+}
+
+Status CVcdWriter::Commit() {
+  if (m_lanes.empty()) return E_FAIL;
+  bool good = true;
+  for (const auto& lane : m_lanes) good = lane->Finish() && good;
+  if (good && m_lanes.size() > 1) good = MergeLanes() == S_OK;
+  if (!good) return Fail(E_FAIL, m_path + ": could not be written; is the disk full?");
+  if (!m_path.empty() && !m_direct) {
+    std::error_code error;
+    std::filesystem::rename(m_parts.front(), m_path, error);
+    if (error) return Fail(E_FAIL, m_path + ": " + error.message());
+    m_parts.erase(m_parts.begin());
+  }
+  Discard();
+  return S_OK;
+}
+
+// The lanes lie in a part each; the dump becomes one more part, first in the list.
+Status CVcdWriter::MergeLanes() {
+  std::string part;
+  std::FILE* file = m_direct ? std::fopen(m_path.c_str(), "wb") : OpenBeside(m_path, part);
+  if (!file) return E_FAIL;
+  CVcdOutput output(file);
+  output.Append(m_header);
+  const Status status = GuardAllocation([&] { return MergeChanges(m_parts, output); });
+  m_parts.insert(m_parts.begin(), part);
+  return output.Finish() ? status : E_FAIL;
+}
+
+void CVcdWriter::Discard() {
+  m_lanes.clear();  // closes the parts
+  for (const std::string& part : m_parts) {
+    if (!part.empty()) RemoveFile(part);
+  }
+  m_parts.clear();
+  m_path.clear();
+  m_header.clear();
+  m_direct = false;
+}
+
+}  // namespace quillpg
