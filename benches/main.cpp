@@ -13,6 +13,7 @@ int RunAndPrintRatios();
 
 // Each topic registers itself here and is called in main.
 void RegisterGroupTextBenches();
+void RegisterVcdBenches();
 void RegisterPackingBenches();
 void RegisterPlayBenches();
 }  // namespace quillpg::bench
@@ -22,6 +23,7 @@ int main(int argc, char** argv) {
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
 
   quillpg::bench::RegisterGroupTextBenches();
+  quillpg::bench::RegisterVcdBenches();
   quillpg::bench::RegisterPackingBenches();
   quillpg::bench::RegisterPlayBenches();
   return quillpg::bench::RunAndPrintRatios();

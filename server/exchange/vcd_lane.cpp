@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <charconv>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -14,8 +13,9 @@ namespace quillpg {
 namespace {
 
 constexpr std::size_t kTokenSize = sizeof(std::uint64_t);
-constexpr std::size_t kStampSize = 24;
+constexpr std::size_t kStampSize = CStampText::MAX_LENGTH;
 constexpr int kLineBits = 16;
+constexpr int kMixedLengths = -1;
 
 char* Put(char* to, std::string_view text) {
   std::memcpy(to, text.data(), text.size());
@@ -28,6 +28,13 @@ std::uint64_t PackToken(char level, const std::string& id) {
   text[0] = level;
   *end = '\n';
   return std::bit_cast<std::uint64_t>(text);
+}
+
+// std::popcount is a library call on processors of the base instruction set.
+constexpr std::size_t CountBits(std::uint64_t bits) {
+  bits -= bits >> 1 & 0x5555555555555555u;
+  bits = (bits & 0x3333333333333333u) + (bits >> 2 & 0x3333333333333333u);
+  return ((bits + (bits >> 4)) & 0x0F0F0F0F0F0F0F0Fu) * 0x0101010101010101u >> 56;
 }
 
 char SignalLevel(int signal) { return signal == 0 ? '0' : signal == 1 ? '1' : 'x'; }
@@ -55,6 +62,7 @@ void CVcdLane::PrepareWords() {
   }
   const std::size_t words = (static_cast<std::size_t>(bits) + 63) / 64;
   m_tokens.resize(words * 64);
+  m_tokenLengths.resize(words * 64);
   m_holders.resize(words * 64);
   m_scalarMask.assign(words, 0);
   m_holderMask.assign(words, 0);
@@ -69,9 +77,11 @@ void CVcdLane::PrepareWords() {
     for (const int bit : variable.bits) {
       const auto at = static_cast<std::size_t>(bit);
       const std::uint64_t mask = std::uint64_t{1} << (bit % 64);
-      if (fits && m_tokens[at].length == 0) {
-        m_tokens[at] = {{PackToken('0', variable.id), PackToken('1', variable.id)},
-                        static_cast<std::uint8_t>(variable.id.size() + 2)};
+      if (fits && m_tokenLengths[at] == 0) {
+        const auto length = static_cast<std::uint8_t>(variable.id.size() + 2);
+        m_tokens[at] = {PackToken('0', variable.id), PackToken('1', variable.id)};
+        m_tokenLengths[at] = length;
+        m_tokenLength = m_tokenLength == 0 || m_tokenLength == length ? length : kMixedLengths;
         m_scalarMask[at / 64] |= mask;
       } else {
         m_holders[at].push_back(static_cast<int>(i));
@@ -92,9 +102,70 @@ void CVcdLane::Write(const VECTOR_RUN& run) {
   if (run.count == 1) m_vectors += run.repeat - 1;
 }
 
+// Ticks from the stamp before to the one of `passed` vectors later, of a period that is no whole
+// number of them.
+std::int64_t CVcdLane::RoundedTicks(std::int64_t passed) {
+  const std::int64_t before = m_ticks.Rounded();
+  m_ticks.Advance(passed);
+  return m_ticks.Rounded() - before;
+}
+
+inline char* CVcdLane::WriteStamp(char* to, std::int64_t vector) {
+  const std::int64_t passed = vector - (m_stampedVector < 0 ? 0 : m_stampedVector);
+  m_stampedVector = vector;
+  m_stamp.Add(m_period.denominator == 1 ? passed * m_period.numerator : RoundedTicks(passed));
+  return m_stamp.CopyTo(to);
+}
+
+// The common case, apart from the general form: one word, scalars alone, all driven, identifiers of
+// one length. Changes are written four at a time, whether there are so many or not (the next ones
+// overwrite what was too much): guessing their number wrong costs more.
+template <std::size_t kLength>
+void CVcdLane::WriteNarrowRows(const VECTOR_RUN& run, std::int64_t first) {
+  constexpr int kAtATime = 4;
+  const TOKEN* const tokens = m_tokens.data();
+  const auto stride = static_cast<std::size_t>(run.moduleCount);
+  const std::uint64_t mask = m_scalarMask[0];
+  constexpr std::size_t kRowSize = kStampSize + (64 + kAtATime) * kTokenSize;
+  std::uint64_t last = m_levels[0];
+  char* to = m_output.Room(kRowSize);
+  for (std::int64_t row = first; row < run.count; ++row) {
+    const std::uint64_t levels = run.levels[static_cast<std::size_t>(row) * stride];
+    std::uint64_t changed = (last ^ levels) & mask;
+    last = levels;
+    if (changed == 0) continue;
+    if (m_output.Limit() - to < static_cast<std::ptrdiff_t>(kRowSize)) {
+      m_output.Advance(to);
+      to = m_output.Room(kRowSize);
+    }
+    const std::int64_t vector = m_vectors + row - first;
+    if (m_stampedVector != vector) to = WriteStamp(to, vector);
+    char* const end = to + kLength * CountBits(changed);
+    while (changed != 0) {
+      for (int i = 0; i < kAtATime; ++i) {
+        const int bit = std::countr_zero(changed) % 64;
+        std::memcpy(to, &tokens[bit][levels >> bit & 1], kTokenSize);
+        to += kLength;
+        changed &= changed - 1;
+      }
+    }
+    to = end;
+  }
+  m_output.Advance(to);
+  m_vectors += run.count - first;
+  m_levels[0] = last;
+}
+
+bool CVcdLane::IsNarrow(const VECTOR_RUN& run) const {
+  return m_vectors > 0 && m_levels.size() == 1 && m_drivenWords == 1 && m_holderMask[0] == 0 &&
+         !run.highZ && m_highZ[0] == 0;
+}
+
 void CVcdLane::WritePass(const VECTOR_RUN& run) {
   const auto stride = static_cast<std::size_t>(run.moduleCount);
   for (std::int64_t row = 0; row < run.count; ++row) {
+    if (m_tokenLength == 3 && IsNarrow(run)) return WriteNarrowRows<3>(run, row);
+    if (m_tokenLength == 4 && IsNarrow(run)) return WriteNarrowRows<4>(run, row);
     const std::size_t at = static_cast<std::size_t>(row) * stride;
     WriteRow(run.levels + at, run.highZ ? run.highZ + at : nullptr, m_vectors);
     ++m_vectors;
@@ -139,16 +210,16 @@ void CVcdLane::WriteRow(const std::uint64_t* levels, const std::uint64_t* highZ,
   m_dirty.clear();
 }
 
-char* CVcdLane::WriteScalars(char* to, std::size_t word, std::uint64_t changed) {
+char* CVcdLane::WriteScalars(char* to, std::size_t word, std::uint64_t changed) const {
   const std::uint64_t levels = m_levels[word];
   const std::uint64_t highZ = m_highZ[word];
   const TOKEN* tokens = m_tokens.data() + word * 64;
+  const std::uint8_t* lengths = m_tokenLengths.data() + word * 64;
   for (; changed != 0; changed &= changed - 1) {
     const int bit = std::countr_zero(changed);
-    const TOKEN& token = tokens[bit];
-    std::memcpy(to, &token.text[levels >> bit & 1], kTokenSize);
+    std::memcpy(to, &tokens[bit][levels >> bit & 1], kTokenSize);
     if ((highZ >> bit & 1) != 0) *to = 'z';
-    to += token.length;
+    to += lengths[bit];
   }
   return to;
 }
@@ -175,21 +246,6 @@ char* CVcdLane::WriteVariable(char* to, const VCD_VARIABLE& variable) const {
   for (const int bit : variable.bits) *to++ = LevelOf(bit);
   if (isVector) *to++ = ' ';
   to = Put(to, variable.id);
-  *to++ = '\n';
-  return to;
-}
-
-std::int64_t CVcdLane::StampOf(std::int64_t vector) {
-  if (m_period.denominator == 1) return vector * m_period.numerator;
-  m_ticks.Advance(vector - m_tickedVector);
-  m_tickedVector = vector;
-  return m_ticks.Rounded();
-}
-
-char* CVcdLane::WriteStamp(char* to, std::int64_t vector) {
-  m_stampedVector = vector;
-  *to++ = '#';
-  to = std::to_chars(to, to + kStampSize, StampOf(vector)).ptr;
   *to++ = '\n';
   return to;
 }

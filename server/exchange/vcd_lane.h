@@ -1,6 +1,7 @@
 #pragma once
 
 #include "exchange/sample_period.h"
+#include "exchange/stamp_text.h"
 #include "exchange/tick_counter.h"
 #include "exchange/vcd_output.h"
 #include "hardware/simulation/vector_sink.h"
@@ -34,23 +35,24 @@ class CVcdLane {
   CVcdOutput& Output() { return m_output; }
 
  private:
-  // A change of a scalar: the text for 0 and for 1, copied as eight bytes of which `length` count.
-  struct TOKEN {
-    std::array<std::uint64_t, 2> text{};
-    std::uint8_t length = 0;
-  };
+  // A change of a scalar: the text for 0 and for 1, copied as eight bytes of which the first ones
+  // count.
+  using TOKEN = std::array<std::uint64_t, 2>;
 
   void PrepareWords();
   void WritePass(const VECTOR_RUN& run);
+  bool IsNarrow(const VECTOR_RUN& run) const;
+  template <std::size_t kLength>
+  void WriteNarrowRows(const VECTOR_RUN& run, std::int64_t first);
   void WriteRow(const std::uint64_t* levels, const std::uint64_t* highZ, std::int64_t vector);
   void WriteAll();
+  std::int64_t RoundedTicks(std::int64_t passed);
   char* WriteStamp(char* to, std::int64_t vector);
   char* WriteVariable(char* to, const VCD_VARIABLE& variable) const;
-  char* WriteScalars(char* to, std::size_t word, std::uint64_t changed);
+  char* WriteScalars(char* to, std::size_t word, std::uint64_t changed) const;
   void WriteAnnotations(const VECTOR_RUN& run);
   std::string AnnotationText() const;
   char LevelOf(int bit) const;
-  std::int64_t StampOf(std::int64_t vector);
 
   CVcdOutput m_output;
   int m_module;
@@ -59,18 +61,20 @@ class CVcdLane {
   std::string m_lineId;
   std::string m_signalId;
 
-  std::vector<TOKEN> m_tokens;              // by row bit; length 0: no plain scalar
-  std::vector<std::vector<int>> m_holders;  // by row bit: variables that need more than a token
-  std::vector<std::uint64_t> m_scalarMask;  // bits with a token, by word
-  std::vector<std::uint64_t> m_holderMask;  // bits with holders, by word
-  std::vector<bool> m_isDirty;              // by variable, within a row
+  std::vector<TOKEN> m_tokens;               // by row bit
+  std::vector<std::uint8_t> m_tokenLengths;  // by row bit; 0: no plain scalar
+  std::vector<std::vector<int>> m_holders;   // by row bit: variables that need more than a token
+  std::vector<std::uint64_t> m_scalarMask;   // bits with a token, by word
+  std::vector<std::uint64_t> m_holderMask;   // bits with holders, by word
+  int m_tokenLength = 0;                     // that all tokens share
+  std::vector<bool> m_isDirty;               // by variable, within a row
   std::vector<int> m_dirty;
 
   std::vector<std::uint64_t> m_levels;  // the row before
   std::vector<std::uint64_t> m_highZ;
   std::size_t m_drivenWords = 0;
   CTickCounter m_ticks;
-  std::int64_t m_tickedVector = 0;
+  CStampText m_stamp;
   std::int64_t m_vectors = 0;
   std::int64_t m_stampedVector = -1;
   int m_line = -1;

@@ -6,7 +6,7 @@ namespace quillpg {
 
 namespace {
 
-constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
+constexpr std::size_t kBufferSize = std::size_t{128} * 1024;
 
 }  // namespace
 

@@ -23,6 +23,8 @@ class CVcdOutput {
     if (m_capacity - m_used < size) Flush();
     return m_buffer.get() + m_used;
   }
+  /// End of the room, for a writer that asks for more only when it comes near.
+  const char* Limit() const { return m_buffer.get() + m_capacity; }
   void Advance(const char* end) { m_used = static_cast<std::size_t>(end - m_buffer.get()); }
 
   /// Lets Room give up to `size` bytes at a time.
