@@ -50,7 +50,7 @@ CSystem* HardwareSystem() {
 
 bool ShowsInstrument(CSorrelGridWnd* window, const CInstrument* instrument) {
   CInstrument* shown = nullptr;
-  if (window) (void)window->GetInstrument(&shown);  // the pointer tells it
+  if (window) window->GetInstrument(&shown);
   return shown == instrument;
 }
 
