@@ -57,8 +57,9 @@ class CCompileBench {
 
  private:
   void Build(std::size_t program, int oneFaultIn) {
-    const PROGRAM_SHAPE shape{MAX_BLOCKS,            MAX_SEQUENCE_LINES, MAX_SUBSEQUENCES,
-                              MAX_SUBSEQUENCE_LINES, MAX_EVENTS,         oneFaultIn};
+    const PROGRAM_SHAPE shape{MAX_BLOCKS,       MAX_SEQUENCE_LINES,
+                              MAX_SUBSEQUENCES, MAX_SUBSEQUENCE_LINES,
+                              MAX_EVENTS,       oneFaultIn};
     CRandomProgram(shape, 1).Build(*m_instruments[program]);
   }
 

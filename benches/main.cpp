@@ -12,6 +12,7 @@ namespace quillpg::bench {
 int RunAndPrintRatios();
 
 // Each topic registers itself here and is called in main.
+void RegisterCompileBenches();
 void RegisterGroupTextBenches();
 void RegisterVcdBenches();
 void RegisterPackingBenches();
@@ -22,6 +23,7 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
 
+  quillpg::bench::RegisterCompileBenches();
   quillpg::bench::RegisterGroupTextBenches();
   quillpg::bench::RegisterVcdBenches();
   quillpg::bench::RegisterPackingBenches();

@@ -1,7 +1,5 @@
 #include "base/name_index.h"
 
-#include "base/text.h"
-
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -24,19 +22,44 @@ std::uint64_t FoldWord(std::uint64_t word) {
   return word | (upper >> 2);
 }
 
+// Any object of a trivial type at `text`.
+template <typename T>
+std::uint64_t Load(const char* text) {
+  T value;
+  std::memcpy(&value, text, sizeof value);
+  return value;
+}
+
+// The eight characters from `at` on. Where fewer are left the last ones are taken once more, so
+// that all are read with loads of fixed size and none beyond the name.
+std::uint64_t WordAt(std::string_view name, std::size_t at) {
+  const char* text = name.data();
+  const std::size_t size = name.size();
+  if (size >= 8) return Load<std::uint64_t>(text + std::min(at, size - 8));
+  if (size >= 4) return Load<std::uint32_t>(text) | Load<std::uint32_t>(text + size - 4) << 32;
+  return Load<std::uint8_t>(text) | Load<std::uint8_t>(text + size / 2) << 8 |
+         Load<std::uint8_t>(text + size - 1) << 16;
+}
+
+// A product's upper bits depend on all bits below them, so slots are taken from the top; the
+// rotation brings the upper bits of one word to where the next product spreads them.
 std::uint64_t HashFolded(std::string_view name) {
   constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15u;
+  constexpr int kRotation = 23;
   std::uint64_t hash = name.size();
-  for (std::size_t at = 0; at < name.size(); at += sizeof(std::uint64_t)) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, name.data() + at, std::min(sizeof word, name.size() - at));
-    hash = (hash ^ FoldWord(word)) * kMultiplier;
-    hash ^= hash >> 32;
+  for (std::size_t at = 0; at < name.size(); at += 8) {
+    hash = (std::rotl(hash, kRotation) ^ FoldWord(WordAt(name, at))) * kMultiplier;
   }
   return hash;
 }
 
-bool SameName(std::string_view a, std::string_view b) { return a == b || EqualNoCase(a, b); }
+bool SameName(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t at = 0; at < a.size(); at += 8) {
+    if (FoldWord(WordAt(a, at)) != FoldWord(WordAt(b, at))) return false;
+  }
+  return true;
+}
 
 }  // namespace
 
@@ -73,7 +96,7 @@ INDEXED_NAME* CNameIndex::Find(std::string_view name) {
 // free, so the walk ends.
 std::size_t CNameIndex::Slot(std::string_view name, std::uint64_t hash) const {
   const std::size_t mask = m_slots.size() - 1;
-  std::size_t slot = hash & mask;
+  auto slot = static_cast<std::size_t>(hash >> (64 - std::countr_zero(m_slots.size())));
   while (m_slots[slot] >= 0) {
     const INDEXED_NAME& held = m_names[static_cast<std::size_t>(m_slots[slot])];
     if (held.hash == hash && SameName(held.name, name)) break;

@@ -24,7 +24,15 @@ void CProgramIndex::Attach(const CProgramView& program) {
   m_program = &program;
 }
 
-void CProgramIndex::Detach() { *this = CProgramIndex(); }
+// Keeps the storage for the next program, and nothing in it: the names go with their objects.
+void CProgramIndex::Detach() {
+  m_program = nullptr;
+  m_built = false;
+  for (CNameIndex* index : {&m_blocks, &m_subSequences, &m_events, &m_labels}) index->Clear();
+  m_lines.clear();
+  m_subLines.clear();
+  m_firstSubLine.clear();
+}
 
 const INDEXED_NAME* CProgramIndex::Block(std::string_view name) {
   Refresh();

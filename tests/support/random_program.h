@@ -36,7 +36,8 @@ class CRandomProgram {
     for (int i = 0; i < m_shape.subSequences; ++i) {
       std::vector<std::pair<std::string, int>> lines;
       for (int j = 0; j < m_shape.subSequenceLines; ++j) {
-        lines.emplace_back(Reference("Block", m_shape.blocks), Field(1));
+        const int played = (i * m_shape.subSequenceLines + j) % std::max(m_shape.blocks, 1);
+        lines.emplace_back(Field(AnyCase(Name("Block", played))), Field(1));
       }
       if (Field(0) != 0) lines.clear();
       builder.Sub(Field(Name("Sub", i)), lines);
@@ -53,10 +54,9 @@ class CRandomProgram {
 
   static std::string Name(const char* kind, int number) { return kind + std::to_string(number); }
 
+  std::string AnyCase(const std::string& name) { return Below(2) == 0 ? FoldCase(name) : name; }
   std::string Reference(const char* kind, int count) {
-    std::string name = Name(kind, count > 0 ? Below(count) : 0);
-    if (Below(2) == 0) name = FoldCase(name);
-    return Field(name);
+    return Field(AnyCase(Name(kind, count > 0 ? Below(count) : 0)));
   }
 
   // The value, or a faulty one.
@@ -84,8 +84,9 @@ class CRandomProgram {
   // Lines play the blocks and subsequences in turn, so that each is referred to.
   LINE_TEXT Line(int number) {
     const int played = number % std::max(m_shape.blocks + m_shape.subSequences, 1);
-    std::string output =
-        played < m_shape.blocks ? Name("BLOCK", played) : Name("SUB", played - m_shape.blocks);
+    const std::string output = played < m_shape.subSequences
+                                   ? Name("SUB", played)
+                                   : Name("BLOCK", played - m_shape.subSequences);
     LINE_TEXT line{.output = Field(output), .repeat = Field(1)};
     line.label = Field(Name("Line", number));
     if (m_shape.events > 0) {
