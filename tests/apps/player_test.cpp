@@ -1,0 +1,109 @@
+#include "player.h"
+
+#include "program/event_definition.h"
+#include "program/event_manager.h"
+#include "program/sequence_manager.h"
+#include "quillpg/app_server.h"
+#include "support/instrument_fixture.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+namespace quillpg::tool {
+namespace {
+
+// One line that plays the default block of 40 vectors, at an event that is true while E0 is.
+struct ROW {
+  const char* name;
+  int repeat;  // 0: endlessly
+  bool waits;
+  std::int64_t rises;  // vector at which E0 rises; -1 never
+  PLAY_LIMITS limits;
+  PlayResult result;
+  std::int64_t clocked;
+};
+
+const ROW kRows[] = {
+    {"to the end", 3, false, -1, {.vectors = 1000}, PlayResult::Idle, 120},
+    {"cut by the limit", 3, false, -1, {.vectors = 119}, PlayResult::Limit, 119},
+    {"endless", 0, false, -1, {.vectors = 500'000}, PlayResult::Limit, 500'000},
+    {"one vector", 0, false, -1, {.vectors = 1}, PlayResult::Limit, 1},
+    {"waits, then plays", 1, true, 50, {.vectors = 1000, .lastStimulus = 50}, PlayResult::Idle, 90},
+    {"waits past the limit",
+     1,
+     true,
+     50,
+     {.vectors = 30, .lastStimulus = 50},
+     PlayResult::Limit,
+     30},
+    {"holds a wait for good",
+     1,
+     true,
+     -1,
+     {.vectors = 300'000, .holdWaits = true},
+     PlayResult::Limit,
+     300'000},
+};
+
+class CPlayerFixture : public CInstrumentFixture {
+ public:
+  explicit CPlayerFixture(const ROW& row) {
+    auto definition = std::make_unique<EVENT_DEFINITION>();
+    for (int i = 0; i < 8; ++i) (void)definition->SetEventDefBit(i, 'X');
+    (void)definition->SetEventDefBit(8, '1');
+    EVENT* event = nullptr;
+    (void)Events().AddEvent("Go");
+    (void)Events().GetEvent(0, &event);
+    (void)event->DeleteAll();
+    (void)event->AddEventDefinition(std::move(definition));
+
+    SEQUENCE_LINE* line = nullptr;
+    (void)Sequence().GetSequenceLine(0, &line);
+    (void)line->SetRepeatCount(row.repeat);
+    (void)line->SetWaitFor(row.waits ? "Go" : "None");
+    EXPECT_EQ(S_OK, Server().Compile());
+    EXPECT_EQ(S_OK, Server().Download());
+    if (row.rises >= 0) (void)Simulation().SetStimulus({{row.rises, "000000001"}});
+  }
+  CPlayer Player() { return {Server(), Simulation(), Router()}; }
+};
+
+TEST(Player, EndsAsTheProgramOrTheLimitSays) {
+  for (const ROW& row : kRows) {
+    for (const int step : {0, 1, 7, 1'000'000}) {  // 0: not in step mode
+      if (step == 1 && row.clocked > 1000) continue;
+      SCOPED_TRACE(std::string(row.name) + ", step " + std::to_string(step));
+      CPlayerFixture fixture(row);
+      CPlayer player = fixture.Player();
+      EXPECT_EQ(row.result,
+                step == 0 ? player.Play(row.limits) : player.PlayStepwise(row.limits, step));
+      EXPECT_EQ(row.clocked, player.Clocked());
+      SystemState state = SystemState::Active;
+      (void)fixture.Server().GetSystemState(state);
+      EXPECT_EQ(SystemState::Idle, state);
+    }
+  }
+}
+
+TEST(Player, AWaitForGoodEndsThePlayAtOnce) {
+  // Nothing is clocked for a wait without stimulus; stepwise one step shows that it waits.
+  for (const std::int64_t lastStimulus : {std::int64_t{-1}, std::int64_t{20}}) {
+    const ROW row{"", 1, true, -1, {.vectors = 1000, .lastStimulus = lastStimulus}, {}, 0};
+    CPlayerFixture fixture(row);
+    CPlayer player = fixture.Player();
+    EXPECT_EQ(PlayResult::Waiting, player.Play(row.limits));
+    EXPECT_EQ(0, player.Clocked());
+  }
+  for (const std::int64_t lastStimulus : {std::int64_t{-1}, std::int64_t{20}}) {
+    const ROW row{"", 1, true, -1, {.vectors = 1000, .lastStimulus = lastStimulus}, {}, 0};
+    CPlayerFixture fixture(row);
+    CPlayer player = fixture.Player();
+    EXPECT_EQ(PlayResult::Waiting, player.PlayStepwise(row.limits, 5));
+    EXPECT_EQ(lastStimulus < 0 ? 5 : 25, player.Clocked());
+  }
+}
+
+}  // namespace
+}  // namespace quillpg::tool
