@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <system_error>
 #include <utility>
@@ -287,16 +289,15 @@ bool CVcdParser::Report() {
 }  // namespace
 
 Status CVcdReader::ReadFile(const std::string& path, CAPTURE& capture) {
-  std::ifstream file(path, std::ios::binary | std::ios::ate);
+  std::ifstream file(path, std::ios::binary);
   if (!file) {
     m_errorText = path + ": the file cannot be opened";
     return PG_E_FILE_NOT_OPENED;
   }
-  const auto length = static_cast<std::int64_t>(file.tellg());  // -1 for what is no plain file
-  file.clear();
-  file.seekg(0);
-  file.clear();
-  const Status status = Read(file, path, std::max<std::int64_t>(length, 0), capture);
+  std::error_code noPlainFile;  // a pipe is read as it comes, its length unknown
+  const std::uintmax_t length = std::filesystem::file_size(path, noPlainFile);
+  const Status status =
+      Read(file, path, noPlainFile ? 0 : static_cast<std::int64_t>(length), capture);
   if (file.bad()) m_errorText = path + ": the file cannot be read";  // a folder, for example
   return status;
 }

@@ -1,6 +1,7 @@
 #include "exchange/vcd_writer.h"
 
 #include "base/guard.h"
+#include "base/output_target.h"
 #include "base/text.h"
 #include "exchange/vcd_lane.h"
 #include "exchange/vcd_merge.h"
@@ -9,6 +10,8 @@
 #include "quillpg/limits.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <set>
 #include <system_error>
@@ -19,7 +22,6 @@ namespace quillpg {
 namespace {
 
 constexpr int kWholeSecond = 0;
-constexpr int kMostParts = 100;
 
 // The coarsest tick of which every period is a whole multiple, else the finest one that an
 // instrument asks for, else 1 fs.
@@ -114,31 +116,6 @@ std::set<std::string> FindClashes(const std::vector<VCD_INSTRUMENT>& instruments
     }
   }
   return clashes;
-}
-
-// Opens a file that did not exist before, beside `path`.
-std::FILE* OpenBeside(const std::string& path, std::string& part) {
-  for (int i = 0; i < kMostParts; ++i) {
-    part = path + ".part";
-    AppendNumber(part, i);
-    if (std::FILE* file = std::fopen(part.c_str(), "wbx")) return file;
-    std::error_code ignored;
-    if (!std::filesystem::exists(part, ignored)) return nullptr;
-  }
-  return nullptr;
-}
-
-// A pipe or a device has no place beside it and is written to as it comes.
-bool IsWrittenDirectly(const std::string& path) {
-  std::error_code error;
-  const auto status = std::filesystem::status(path, error);
-  return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
-         !std::filesystem::is_directory(status);
-}
-
-void RemoveFile(const std::string& path) {
-  std::error_code ignored;
-  std::filesystem::remove(path, ignored);
 }
 
 }  // namespace
@@ -243,15 +220,18 @@ Status CVcdWriter::Open(const std::string& path, const std::vector<VCD_INSTRUMEN
     if (instruments.empty() || Prepare(instruments, options, plan) != S_OK) {
       return Fail(E_FAIL, path + ": an instrument cannot be written as a dump");
     }
-    m_path = path;
+    OUTPUT_TARGET target;
+    std::string error;
+    if (!ResolveOutputTarget(path, target, error)) return Fail(PG_E_FILE_NOT_OPENED, error);
+    m_path = target.path;
+    m_direct = target.direct;
     m_header = plan.header;
-    m_direct = IsWrittenDirectly(path);
     for (std::size_t i = 0; i < plan.lanes.size(); ++i) {
       std::string part;
       // A single lane into a device goes straight there.
-      std::FILE* file = m_direct && plan.lanes.size() == 1 ? std::fopen(path.c_str(), "wb")
+      std::FILE* file = m_direct && plan.lanes.size() == 1 ? std::fopen(m_path.c_str(), "wb")
                                                            : OpenBeside(PartBase(), part);
-      if (!file) return Fail(PG_E_FILE_NOT_OPENED, path + ": cannot be written");
+      if (!file) return Fail(PG_E_FILE_NOT_OPENED, path + ": " + std::strerror(errno));
       m_parts.push_back(part);
       AddLane(CVcdOutput(file), plan, i);
     }
