@@ -4,6 +4,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <charconv>
+#include <cstdint>
+#include <iostream>
 #include <limits>
 
 namespace quillpg::tool {
@@ -23,6 +26,18 @@ void AddInput(CLI::App& app, INPUT_OPTIONS& input) {
   app.add_flag("-q,--quiet", input.quiet, "No progress bar and no summary");
 }
 
+/// A whole number from 1 to `most`; CLI11's own conversion cuts what is too large.
+CLI::Validator Positive(std::int64_t most) {
+  const auto check = [most](const std::string& text) {
+    std::int64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, fault] = std::from_chars(text.data(), end, number);
+    const bool good = fault == std::errc() && stop == end && number >= 1 && number <= most;
+    return good ? std::string() : text + " is no whole number from 1 to " + std::to_string(most);
+  };
+  return {check, "", ""};
+}
+
 CLI::App& AddRun(CLI::App& app, RUN_OPTIONS& run) {
   CLI::App& command = *app.add_subcommand("run", "Check, download and play a program");
   AddInput(command, run.input);
@@ -38,10 +53,10 @@ CLI::App& AddRun(CLI::App& app, RUN_OPTIONS& run) {
   command
       .add_option("--max-vectors", run.maxVectors,
                   "Play so many vectors at most; without it a capture is played for its own length")
-      ->check(CLI::Range(std::int64_t{1}, std::numeric_limits<std::int64_t>::max()))
+      ->check(Positive(std::numeric_limits<std::int64_t>::max()))
       ->type_name("N");
   command.add_option("--step", run.step, "Play in step mode, N vectors a step")
-      ->check(CLI::Range(1, std::numeric_limits<int>::max()))
+      ->check(Positive(std::numeric_limits<int>::max()))
       ->type_name("N");
   command.add_flag("--bits", run.bits, "VCD: one scalar per channel instead of vectors");
   command.add_flag("--annotate", run.annotate,
@@ -58,7 +73,7 @@ std::optional<COMMAND> ParseCommandLine(int argc, const char* const* argv, int& 
       "without hardware.",
       "quillpg"};
   app.set_version_flag("--version", "quillpg " QUILLPG_PACKAGE_VERSION);
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);  // none is refused below, after a misspelt one was named
   app.footer("quillpg COMMAND --help tells the options of a command.\n" +
              std::string(kExitStatuses));
 
@@ -68,7 +83,8 @@ std::optional<COMMAND> ParseCommandLine(int argc, const char* const* argv, int& 
   CLI::App& checkCommand = *app.add_subcommand("check", "Compile a program and print the findings");
   AddInput(checkCommand, check.input);
   checkCommand.footer(kExitStatuses);
-  app.add_subcommand("modules", "List the modules of the mainframe");
+  const CLI::App& modulesCommand =
+      *app.add_subcommand("modules", "List the modules of the mainframe");
 
   try {
     app.parse(argc, argv);
@@ -78,7 +94,10 @@ std::optional<COMMAND> ParseCommandLine(int argc, const char* const* argv, int& 
   }
   if (runCommand.parsed()) return run;
   if (checkCommand.parsed()) return check;
-  return MODULES_OPTIONS{};
+  if (modulesCommand.parsed()) return MODULES_OPTIONS{};
+  std::cerr << app.help();
+  status = STATUS_UNUSABLE;
+  return std::nullopt;
 }
 
 }  // namespace quillpg::tool

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "base/output_target.h"
+
 #include <fstream>
 #include <string>
 
 namespace quillpg::tool {
 
 /// A file that is written beside its name and takes it only with Commit; otherwise nothing is left.
-/// A device or a pipe is written directly.
 class CPendingFile {
  public:
   CPendingFile() = default;
@@ -21,8 +22,8 @@ class CPendingFile {
   bool Commit(std::string& error);
 
  private:
-  std::string m_path;
-  std::string m_part;  // what is written; empty once committed or dropped
+  OUTPUT_TARGET m_target;
+  std::string m_part;  // what lies beside the target; empty for none
   std::ofstream m_stream;
 };
 

@@ -16,7 +16,7 @@ ONE = [(1, "!", "A")]
 
 class Usage(ToolTest):
     ROWS = [  # arguments, exit status, what must stand on stdout or stderr
-        ([], 2, "subcommand"),
+        ([], 2, "modules"),
         (["--help"], 0, "modules"),
         (["run", "--help"], 0, "--max-vectors"),
         (["check", "--help"], 0, "FILE"),
@@ -243,7 +243,7 @@ class Interrupts(ToolTest):
 
     def test_during_the_play(self):
         self.write("long.vcd", dump("1 us", ONE, [(0, ["0!"]), (10**9, ["1!"])], 2 * 10**9))
-        process = self.start("run", "long.vcd", "--step", "1", "--vcd", "pins.vcd")
+        process = self.start("run", "long.vcd", "--period", "1us", "--step", "1", "--vcd", "pins.vcd")
         time.sleep(0.5)
         self.interrupt(process)
         self.assertEqual(130, self.finish(process))
