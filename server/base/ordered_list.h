@@ -142,6 +142,23 @@ class COrderedList {
   Status MoveUp(int position) { return position >= 1 ? SwapNeighbours(position - 1) : E_FAIL; }
   Status MoveDown(int position) { return SwapNeighbours(position); }
 
+  /// Moves `count` slots from `first` on, in their order, to position `to` of the list without
+  /// them; beyond its end they come last. E_FAIL, with nothing changed, for a range that does not
+  /// lie in the list and a negative `to`.
+  Status Move(int first, int to, int count) {
+    if (!HoldsRange(first, count) || to < 0) return E_FAIL;
+    const auto from = m_slots.begin() + first;
+    const auto end = from + count;
+    const int target = std::min(to, Count() - count);
+    if (target < first) {
+      std::rotate(m_slots.begin() + target, from, end);
+    } else {
+      std::rotate(from, end, m_slots.begin() + target + count);
+    }
+    m_revision.Touch();
+    return S_OK;
+  }
+
   /// Position of the first object of that name without regard to case, or -1. The caller trims.
   int Find(std::string_view name) const {
     for (int i = 0; i < Count(); ++i) {

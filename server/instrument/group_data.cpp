@@ -47,6 +47,20 @@ void ReadGroupText(const CGroupPlan& plan, const BLOCK& block, int vector, Radix
   FormatValue(value, plan.Bits(), radix, text);
 }
 
+void ReadMaskText(std::span<const int> channels, int podChannels,
+                  std::span<const std::uint8_t> pods, Radix radix, std::string& text) {
+  CGroupWords words((channels.size() + 63) / 64);
+  const auto value = words.Span();
+  std::ranges::fill(value, 0);
+  for (std::size_t i = 0; i < channels.size(); ++i) {
+    if (channels[i] < 0) continue;
+    const auto pod = static_cast<std::size_t>(channels[i] / podChannels);
+    const std::size_t bit = channels.size() - 1 - i;
+    if (pod < pods.size() && pods[pod] != 0) value[bit / 64] |= std::uint64_t{1} << bit % 64;
+  }
+  FormatValue(value, static_cast<int>(channels.size()), radix, text);
+}
+
 bool WriteGroupText(const CGroupPlan& plan, BLOCK& block, int vector, int count, Radix radix,
                     std::string_view text) {
   const std::int64_t first = std::max(vector, 0);

@@ -8,6 +8,7 @@
 #include "program/group_plan.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -139,14 +140,15 @@ Status CInstrument::GetGroupInhibitMask(const std::string& group, int block, int
   const BLOCK* data = BlockAt(block);
   if (!data) return E_FAIL;
   return GuardAllocation([&] {
-    // The mask is the value of a group of control channels; -1 reads 0.
-    std::vector<int> controls(source->Channels().size());
-    std::ranges::transform(source->Channels(), controls.begin(), [this](int channel) {
+    // Grids ask for the mask of every value that they show: one look at each pod, not each channel.
+    std::array<std::uint8_t, MAX_INSTRUMENT_MODULES * NUM_PODS> inhibited{};
+    for (std::size_t pod = 0; pod < NUM_PODS * m_modules.size(); ++pod) {
       int control = -1;
-      (void)FindInhibitControl(channel, control);
-      return control;
-    });
-    ReadGroupText(CGroupPlan(controls), *data, vector, radix, text);
+      (void)FindInhibitControl(static_cast<int>(pod) * ChannelsPerPod(), control);
+      const std::uint8_t* byte = ByteOf(*data, control, vector);  // null for -1
+      if (byte) inhibited[pod] = *byte >> control % 8 & 1;
+    }
+    ReadMaskText(source->Channels(), ChannelsPerPod(), inhibited, radix, text);
     return S_OK;
   });
 }

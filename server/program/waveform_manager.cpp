@@ -2,6 +2,7 @@
 
 #include "instrument/instrument.h"
 #include "program/group_manager.h"
+#include "program/waveform_index.h"
 
 #include <algorithm>
 #include <new>
@@ -185,7 +186,7 @@ int CWaveformManager::IsInhibitControlExists() const {
 int CWaveformManager::IsInhibitControlExists(int row) const { return IsInhibitControl(row); }
 
 int CWaveformManager::IsInhibitControlExists(const std::string& name) const {
-  return FindInhibitRow(name) >= 0 ? 1 : 0;
+  return Find(WaveType::Inhibit, name) >= 0 ? 1 : 0;
 }
 
 Status CWaveformManager::GetInhibitControlData(int row, CWaveformData& data) const {
@@ -197,7 +198,7 @@ Status CWaveformManager::GetInhibitControlData(int row, CWaveformData& data) con
 }
 
 Status CWaveformManager::GetInhibitControlData(const std::string& name, CWaveformData& data) const {
-  return GetInhibitControlData(FindInhibitRow(name), data);
+  return GetInhibitControlData(Find(WaveType::Inhibit, name), data);
 }
 
 // --- the list of rows ---
@@ -224,6 +225,7 @@ Status CWaveformManager::GetWaveformData(int row, CWaveformData** data) {
   if (!m_rows->At(row)) return E_FAIL;
   return GuardAllocation([&] {
     *data = OwnRows().At(row);  // the caller may change it
+    Index().HandedOut(m_rows);
     return S_OK;
   });
 }

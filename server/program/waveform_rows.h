@@ -21,6 +21,15 @@ struct INHIBIT_CONTROL {
   bool operator==(const INHIBIT_CONTROL&) const = default;
 };
 
+/// A renaming of rows: of a group (by its old name) or of a channel.
+struct WAVEFORM_RENAMING {
+  std::string oldName = {};
+  int channel = -1;
+  std::string newName = {};
+
+  bool operator==(const WAVEFORM_RENAMING&) const = default;
+};
+
 /// Row lists that the blocks of one instrument share, since most of thousands of blocks show the
 /// same rows. Kept by the group manager; a layer copies a list before it changes it.
 struct WAVEFORM_ROW_CACHE {
@@ -35,6 +44,11 @@ struct WAVEFORM_ROW_CACHE {
   std::uint64_t updateRevision = 0;
   std::vector<INHIBIT_CONTROL> controls;
   std::shared_ptr<WAVEFORM_ROWS> updated;
+
+  // The last renaming, and what it made `renamed` from.
+  std::shared_ptr<WAVEFORM_ROWS> misnamed;
+  WAVEFORM_RENAMING renaming;
+  std::shared_ptr<WAVEFORM_ROWS> renamed;
 };
 
 }  // namespace quillpg
