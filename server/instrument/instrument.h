@@ -9,6 +9,7 @@
 #include <array>
 #include <iosfwd>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,7 @@ class CEventManager;
 class CGroupManager;
 class CModule;
 class CSequenceManager;
+class CShiftRegisterGenerator;
 class CSorrelModule;
 class CSubSequenceManager;
 struct BLOCK;
@@ -238,6 +240,17 @@ class QUILLPG_API CInstrument {
                              std::string& text) const;
   /// Decimal digits that the group's largest value needs.
   Status GetMaxDecStrLen(const std::string& group, int& length) const;
+  /// Fills the channel with the generator's next bits, one for each vector from `first` to `last`,
+  /// both included; what lies outside the block takes no bit. The generator runs on from call to
+  /// call. E_FAIL for a missing block and a channel outside it.
+  Status FillChannelData(int channel, int block, int first, int last,
+                         CShiftRegisterGenerator& generator);
+  /// The same for one channel after the other, much faster than channel by channel; with E_FAIL
+  /// nothing is written.
+  Status FillChannelData(std::span<const int> channels, int block, int first, int last,
+                         CShiftRegisterGenerator& generator);
+  /// Replaces the program, or the lists of it that `type` is about, by a generated one that goes to
+  /// the limits of the hardware; see GenerateTestData. Other values do nothing, S_OK.
   Status CreateTestData(TestDataType type);
 
   // --- listing, inhibit controls, names ---

@@ -1,8 +1,10 @@
 #include "base/guard.h"
 #include "hardware/module.h"
+#include "instrument/channel_fill.h"
 #include "instrument/group_data.h"
 #include "instrument/instrument.h"
 #include "instrument/radix.h"
+#include "instrument/test_data.h"
 #include "program/block_manager.h"
 #include "program/group_manager.h"
 #include "program/group_plan.h"
@@ -12,7 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// Pattern data: single channels and group values.
+// Pattern data: single channels, group values, generated data.
 
 namespace quillpg {
 
@@ -160,8 +162,28 @@ Status CInstrument::GetMaxDecStrLen(const std::string& group, int& length) const
   return S_OK;
 }
 
-Status CInstrument::CreateTestData(TestDataType /*type*/) {
-  return E_FAIL;  // Not built yet.
+// --- generated data ---
+
+Status CInstrument::FillChannelData(int channel, int block, int first, int last,
+                                    CShiftRegisterGenerator& generator) {
+  return FillChannelData({&channel, 1}, block, first, last, generator);
 }
+
+Status CInstrument::FillChannelData(std::span<const int> channels, int block, int first, int last,
+                                    CShiftRegisterGenerator& generator) {
+  BLOCK* data = BlockAt(block);
+  const auto isMissing = [&](int channel) { return !ByteOf(*data, channel, 0); };
+  if (!data || std::ranges::any_of(channels, isMissing)) return E_FAIL;
+  const int from = std::max(first, 0);
+  const int to = std::min(last, data->GetBlockSize() - 1);
+  if (channels.empty() || from > to) return S_OK;
+  return GuardAllocation([&] {
+    FillChannels(*data, channels, from, to - from + 1, generator);
+    MarkChanged(*data);
+    return S_OK;
+  });
+}
+
+Status CInstrument::CreateTestData(TestDataType type) { return GenerateTestData(*this, type); }
 
 }  // namespace quillpg
