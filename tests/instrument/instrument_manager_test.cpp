@@ -9,9 +9,10 @@
 #include "support/instrument_fixture.h"
 
 #include <climits>
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <memory>
-#include <gtest/gtest.h>
 
 namespace quillpg {
 namespace {
