@@ -147,6 +147,8 @@ class QUILLPG_API CAppServer {
   Status GetSoftwareVersion2(std::string& version);
   /// A truth value: 0 only for a file of version "1.0" under a software of another version.
   int IsNewVersion();
+  /// A truth value: records are being read only to step over them, without pattern data.
+  int IsLoadModuleEnabled() const;
 
   // --- modified state ---
 

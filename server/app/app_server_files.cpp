@@ -121,6 +121,8 @@ int CAppServer::IsNewVersion() {
   return CVersionInfo::IsNewVersion(file, software);
 }
 
+int CAppServer::IsLoadModuleEnabled() const { return CFileManager::IsLoadModuleEnabled(); }
+
 Status CAppServer::IsModified(int& modified) {
   bool any = false;
   ForEachInstrument(m_instrumentManager.get(), [&any](const CInstrument& instrument) {

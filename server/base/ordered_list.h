@@ -61,6 +61,13 @@ class COrderedList {
     return S_OK;
   }
 
+  /// Appends an object that a file holds, beyond the limit too; throws when memory runs out.
+  void AppendRead(std::unique_ptr<T>&& object) {
+    m_slots.push_back(std::move(object));
+    Connect(m_slots.back().get(), &m_revision);
+    m_revision.Touch();
+  }
+
   /// Replaces the content by copies of the other list's objects, empty slots included; E_FAIL, with
   /// nothing changed, when memory runs out.
   Status CopyFrom(const COrderedList& other) {

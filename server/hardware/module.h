@@ -13,6 +13,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 class CSorrelModule;
 enum class SettingRule;
 
@@ -137,7 +140,9 @@ class QUILLPG_API CModule {
 
   std::uint64_t GetSize() const;  ///< bytes that Write produces
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
 
  private:
   // Null unless the pod (and channel) exists and, for the variable ones, the probe is variable.

@@ -12,6 +12,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// Settings of one variable channel. Only channels 1 and 2 carry the inhibit mask, data format,
 /// delay range and delay; on channels 0 and 3 they are marked -1.
 struct QUILLPG_API VARIABLE_CHANNELS {
@@ -28,7 +31,9 @@ struct QUILLPG_API VARIABLE_CHANNELS {
 
   std::uint64_t GetSize() const;  ///< bytes that Write produces
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
 };
 
 /// Settings that only a variable probe has.
@@ -48,7 +53,9 @@ struct QUILLPG_API VARIABLE_PROBE_SETUP {
 
   std::uint64_t GetSize() const;  ///< bytes that Write produces
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
 };
 
 /// One pod: the probe that is plugged in and its settings.
@@ -72,7 +79,9 @@ struct QUILLPG_API PROBE_SETUP {
 
   std::uint64_t GetSize() const;  ///< bytes that Write produces
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
 };
 
 /// Range of the output level of a pod type, volts; false, with nothing changed, for a type whose

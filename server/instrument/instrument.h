@@ -16,11 +16,13 @@
 namespace quillpg {
 
 class CBlockManager;
+class CByteWriter;
 class CEventHandler;
 class CEventManager;
 class CGroupManager;
 class CModule;
 class CSequenceManager;
+class CSetupFileReader;
 class CShiftRegisterGenerator;
 class CSorrelModule;
 class CSubSequenceManager;
@@ -291,7 +293,9 @@ class QUILLPG_API CInstrument {
   /// gives the settings alone; the file manager writes the rest).
   Status GetSize(unsigned long& size, int flag) const;
   Status Read(std::istream& stream, int programDataSaved);
+  Status Read(CSetupFileReader& reader, int programDataSaved);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   /// The instrument-wide settings, with their defaults.

@@ -15,6 +15,8 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
 class CWaveformManager;
 
 /// A named run of pattern vectors, one bit for each channel of the instrument: vector after vector
@@ -95,7 +97,9 @@ struct QUILLPG_API BLOCK {
   /// Bytes in a setup file, the data rounded up; Write rounds it down (deliberate).
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   int m_size = 0;

@@ -7,6 +7,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// The blocks of an instrument, at most MAX_BLOCKS slots. Names need neither be given nor unique:
 /// the compiler reports what is wrong with them. Every change sets the modified flag, which only
 /// SetModified clears.
@@ -76,7 +79,9 @@ class QUILLPG_API CBlockManager : public CProgramManager {
   /// Bytes in a setup file.
   Status GetSize(std::uint64_t& size) const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   Status CreateBlock(const std::string& name, int size, std::unique_ptr<BLOCK>& block) const;

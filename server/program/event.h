@@ -9,6 +9,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// A named condition on the event inputs: true when one of its at most MAX_EVENT_DEFINITIONS rows
 /// matches. Every change of the list marks it modified.
 struct QUILLPG_API EVENT {
@@ -54,7 +57,9 @@ struct QUILLPG_API EVENT {
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   Status Changed(Status status);

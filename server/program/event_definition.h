@@ -13,6 +13,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// One row of an event: a character for the signal input (position 0) and for the event bits E7
 /// (position 1) down to E0 (position 8), two bits for each pod from D to A. The characters are not
 /// checked.
@@ -39,7 +42,9 @@ struct QUILLPG_API EVENT_DEFINITION {
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   CModifiedFlag m_modified;

@@ -9,6 +9,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// The events of an instrument, at most MAX_EVENTS slots. Names need neither be given nor unique.
 class QUILLPG_API CEventManager : public CProgramManager {
  public:
@@ -59,7 +62,9 @@ class QUILLPG_API CEventManager : public CProgramManager {
   /// Bytes in a setup file.
   Status GetSize(std::uint64_t& size) const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   Status Insert(int position, const std::string& name);

@@ -14,7 +14,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
 class CGroupPlan;
+class CSetupFileReader;
 
 /// A bus: an ordered list of instrument channels that are edited and shown as one value. Position 0
 /// is the most significant bit. Channel numbers are not checked: they may repeat or lie outside the
@@ -63,7 +65,9 @@ struct QUILLPG_API GROUP {
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
   /// How values are gathered from and scattered to a block's rows; made at the first use after a
   /// change of the channel list, valid until the next one.

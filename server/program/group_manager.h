@@ -8,6 +8,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// The groups of an instrument, in display order. Names are trimmed on the way in and unique
 /// without regard to case, as long as nobody renames a GROUP itself. A slot may be empty after an
 /// insert beyond the end. Adding, inserting, setting and deleting bring the listing states of all
@@ -94,7 +97,9 @@ class QUILLPG_API CGroupManager : public CProgramManager {
   /// Bytes in a setup file.
   Status GetSize(std::uint64_t& size) const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   int Find(std::string_view name) const;

@@ -11,6 +11,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// How one group is shown in a listing. The display values are the front end's: kept, copied and
 /// (but for value 2) saved, never interpreted.
 struct QUILLPG_API GROUP_STATE {
@@ -38,7 +41,9 @@ struct QUILLPG_API GROUP_STATE {
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   int m_displayValue1 = 0;

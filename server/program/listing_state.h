@@ -5,6 +5,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// How a block's listing is shown: two reference positions (vectors), two values that only the
 /// front end understands, and one state for each group, in the order in which they were added.
 struct QUILLPG_API LISTING_STATE {
@@ -24,7 +27,9 @@ struct QUILLPG_API LISTING_STATE {
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
   int firstReference = -1;
   int secondReference = -1;

@@ -13,6 +13,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// One line of the main program. It holds names and text as the user typed them; the compiler
 /// resolves and checks them. Every setter marks the line modified.
 struct QUILLPG_API SEQUENCE_LINE {
@@ -50,7 +53,9 @@ struct QUILLPG_API SEQUENCE_LINE {
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   Status SetText(std::string& field, const std::string& text);

@@ -7,6 +7,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// The lines of an instrument's main program, at most MAX_SEQUENCE_LINES slots. The handler is
 /// stored and never told anything.
 class QUILLPG_API CSequenceManager : public CProgramManager {
@@ -52,7 +55,9 @@ class QUILLPG_API CSequenceManager : public CProgramManager {
   /// Bytes in a setup file.
   Status GetSize(std::uint64_t& size) const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   Status Insert(int position, const std::string& label);

@@ -8,6 +8,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// A named list of at most MAX_SUBSEQUENCE_LINES lines that a sequence line plays as if it were a
 /// block. Every change of the list marks it modified.
 struct QUILLPG_API SUBSEQUENCE {
@@ -50,7 +53,9 @@ struct QUILLPG_API SUBSEQUENCE {
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   Status Changed(Status status);

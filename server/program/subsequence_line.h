@@ -11,6 +11,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// One line of a subsequence: a block and how often it is played. Both setters mark it modified.
 struct QUILLPG_API SUBSEQUENCE_LINE {
   SUBSEQUENCE_LINE() = default;
@@ -33,7 +36,9 @@ struct QUILLPG_API SUBSEQUENCE_LINE {
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   CModifiedFlag m_modified{true};

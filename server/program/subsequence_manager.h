@@ -9,6 +9,9 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// The subsequences of an instrument, at most MAX_SUBSEQUENCES slots. Names need neither be given
 /// nor unique. The handler is stored and never told anything.
 class QUILLPG_API CSubSequenceManager : public CProgramManager {
@@ -51,7 +54,9 @@ class QUILLPG_API CSubSequenceManager : public CProgramManager {
   /// Bytes in a setup file.
   Status GetSize(std::uint64_t& size) const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   Status Changed(Status status);

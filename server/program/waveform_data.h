@@ -10,13 +10,18 @@
 
 namespace quillpg {
 
+class CByteWriter;
+class CSetupFileReader;
+
 /// One row of a block's waveform grid.
 class QUILLPG_API CWaveformData {
  public:
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
   int flag = 1;             ///< the front end's, kept and saved
   int channel = -1;         ///< -1 on a group row

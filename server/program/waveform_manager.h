@@ -4,9 +4,11 @@
 
 namespace quillpg {
 
+class CByteWriter;
 class CEventHandler;
 class CGroupManager;
 class CInstrument;
+class CSetupFileReader;
 class CWaveformIndex;
 
 /// The rows of one block's waveform grid: a row for each group that has channels, one for each of
@@ -143,7 +145,9 @@ class QUILLPG_API CWaveformManager {
   /// Bytes in a setup file.
   Status GetSize(std::uint64_t& size) const;
   Status Read(std::istream& stream);
+  Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
+  Status Write(CByteWriter& writer) const;
 
  private:
   WAVEFORM_ROWS& OwnRows();
