@@ -3,11 +3,11 @@
 
 #include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
+#include "plain/compiler.h"
+#include "plain/random_program.h"
 #include "quillpg/app_server.h"
 #include "quillpg/limits.h"
 #include "ratio.h"
-#include "support/plain_compiler.h"
-#include "support/random_program.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,8 +1,9 @@
+#include "plain/group_text.h"
+
 #include "hardware/module_manager.h"
 #include "instrument/instrument.h"
 #include "quillpg/app_server.h"
 #include "ratio.h"
-#include "support/plain_group_text.h"
 
 #include <cstddef>
 #include <memory>

@@ -1,10 +1,10 @@
 // Pattern words of whole modules: over the conversion bit by bit, and over memcpy of the bytes.
 
 #include "hardware/pattern_packer.h"
+#include "plain/packer.h"
 #include "quillpg/host_services.h"
 #include "quillpg/limits.h"
 #include "ratio.h"
-#include "support/plain_packer.h"
 
 #include <algorithm>
 #include <cstring>

@@ -231,7 +231,8 @@ void CVcdParser::Store(VCD_NET& net, std::string_view digits) {
     const bool isGiven = static_cast<std::size_t>(bit) < digits.size();
     const int level =
         isGiven ? LevelOf(digits[digits.size() - 1 - static_cast<std::size_t>(bit)]) : 0;
-    const auto place = static_cast<std::size_t>(net.firstBit + bit);
+    const std::size_t place =
+        static_cast<std::size_t>(net.firstBit) + static_cast<std::size_t>(bit);
     const std::uint64_t mask = std::uint64_t{1} << (place % 64);
     m_row[place / 64] = level == 1 ? m_row[place / 64] | mask : m_row[place / 64] & ~mask;
     if (level == 2 && net.xLine == 0) net.xLine = Line();

@@ -13,7 +13,7 @@ namespace quillpg {
 class CVcdScanner {
  public:
   /// Longest word; a longer one ends the scan with IsOverlong.
-  static constexpr std::size_t MAX_WORD = 64 * 1024;
+  static constexpr std::size_t MAX_WORD = std::size_t{64} * 1024;
 
   explicit CVcdScanner(std::istream& stream);
 
@@ -28,7 +28,7 @@ class CVcdScanner {
  private:
   bool Refill(const char*& from);
 
-  static constexpr std::size_t kBufferSize = 256 * 1024;
+  static constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
 
   std::istream& m_stream;
   std::unique_ptr<char[]> m_buffer;

@@ -2,11 +2,11 @@
 
 #include "hardware/server2hal.h"
 #include "instrument/instrument_manager.h"
+#include "plain/compiler.h"
+#include "plain/random_program.h"
 #include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
-#include "support/plain_compiler.h"
 #include "support/program_builder.h"
-#include "support/random_program.h"
 
 #include <gtest/gtest.h>
 

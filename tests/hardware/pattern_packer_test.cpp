@@ -1,7 +1,7 @@
 #include "hardware/pattern_packer.h"
 
 #include "hardware/unit_kernel.h"
-#include "support/plain_packer.h"
+#include "plain/packer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

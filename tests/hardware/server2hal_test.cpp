@@ -2,9 +2,9 @@
 
 #include "hardware/simulation/call_sink.h"
 #include "instrument/instrument_manager.h"
+#include "plain/packer.h"
 #include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
-#include "support/plain_packer.h"
 #include "support/program_builder.h"
 
 #include <gtest/gtest.h>

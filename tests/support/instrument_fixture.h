@@ -20,8 +20,8 @@ class CModule;
 class CSequenceManager;
 class CSubSequenceManager;
 
-/// A fresh engine: scripted host, simulated mainframe, server, router. Takes the server that an
-/// earlier test left behind down first, so that tests hold in one process and in any order.
+/// A fresh engine: scripted host, simulated mainframe, server, router. Takes its server down at its
+/// end, so that tests hold in one process and in any order.
 class CEngineFixture {
  public:
   /// `modules` simulated modules; no instruments yet.

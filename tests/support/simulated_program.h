@@ -2,7 +2,7 @@
 
 #include "hardware/hardware_library.h"
 #include "hardware/pattern_packer.h"
-#include "support/plain_packer.h"
+#include "plain/packer.h"
 
 #include <cstdint>
 #include <vector>
