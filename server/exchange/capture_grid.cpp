@@ -7,13 +7,14 @@
 
 #include <cmath>
 #include <numeric>
+#include <set>
 #include <span>
 
 namespace quillpg {
 namespace {
 
-// Beyond this many vectors a coarser grid with rounded stamps is looked for first.
-constexpr std::int64_t kSensibleVectors = std::int64_t{1} << 22;
+// A grid that gives more vectors is left for one with rounded stamps, if that one is evident.
+constexpr double kSensibleVectors = 1 << 24;
 constexpr double kMaxVectors = 1e15;
 // The shortest step whose multiples are still told apart when they are rounded to ticks.
 constexpr double kLeastRoundedStep = 2.5;
@@ -36,6 +37,27 @@ RATIO CommonStep(std::span<const std::int64_t> times) {
   return MakeRatio(step, 1);
 }
 
+// The longest step of which all times are rounded multiples; not set without one.
+RATIO FindRoundedStep(const CAPTURE& capture, std::span<const std::int64_t> times) {
+  const double tick = std::pow(10.0, capture.tickExponent);
+  const double least = std::max(kLeastRoundedStep, HALF_LIMITS.minClockPeriod / tick);
+  const double most = FULL_LIMITS.maxClockPeriod / tick;
+  const RATIO step =
+      CGridSearch(times).Find(least, most, ScaleByPowerOfTen(RATIO{1, 1}, -capture.tickExponent));
+  return CanClock(ScaleByPowerOfTen(step, capture.tickExponent)) ? step : RATIO{};
+}
+
+// True when times do not lie on the step's grid by chance or by being periodic themselves.
+bool IsEvident(std::span<const std::int64_t> times, RATIO step) {
+  constexpr double kTellingStep = 10;  // ticks: a tenth of all times lie on it by chance
+  constexpr std::size_t kTellingGaps = 16;
+  std::set<std::int64_t> gaps;
+  for (std::size_t i = 1; i < times.size() && gaps.size() < kTellingGaps; ++i) {
+    gaps.insert(times[i] - times[i - 1]);
+  }
+  return step.IsSet() && step.ToDouble() >= kTellingStep && gaps.size() == kTellingGaps;
+}
+
 // The step in ticks, not set where a period the clock can play is not found.
 RATIO FindStep(const CAPTURE& capture, std::span<const std::int64_t> times) {
   const int exponent = capture.tickExponent;
@@ -46,19 +68,14 @@ RATIO FindStep(const CAPTURE& capture, std::span<const std::int64_t> times) {
   const RATIO stated = Divide(ticksPerSecond, capture.statedRate);
   RATIO common = CommonStep(times);
   if (!common.IsSet()) common = stated.IsSet() ? stated : RATIO{1, 1};  // a single change point
-  if (stated.IsSet() && stated.ToDouble() > common.ToDouble() && canClock(stated) &&
-      LiesOnGrid(times, stated)) {
-    return stated;
-  }
   const bool commonFits = canClock(common);
+  if (stated.IsSet() && canClock(stated) && LiesOnGrid(times, stated)) {
+    return commonFits && common.ToDouble() >= stated.ToDouble() ? common : stated;
+  }
   const double vectors = static_cast<double>(times.back()) / common.ToDouble();
-  if (commonFits && vectors <= static_cast<double>(kSensibleVectors)) return common;
-  const double tick = std::pow(10.0, exponent);
-  const double least = std::max(kLeastRoundedStep, HALF_LIMITS.minClockPeriod / tick);
-  const RATIO found =
-      CGridSearch(times).Find(least, FULL_LIMITS.maxClockPeriod / tick, ticksPerSecond);
-  if (found.IsSet() && found.ToDouble() > common.ToDouble() && canClock(found)) return found;
-  return commonFits ? common : RATIO{};
+  if (commonFits && vectors <= kSensibleVectors) return common;
+  const RATIO rounded = FindRoundedStep(capture, times);
+  return commonFits && !IsEvident(times, rounded) ? common : rounded;
 }
 
 std::int64_t NearestVector(std::int64_t time, RATIO step) {
@@ -69,7 +86,9 @@ std::int64_t NearestVector(std::int64_t time, RATIO step) {
 }
 
 void PlacePoints(std::span<const std::int64_t> times, const CAPTURE& capture, RATIO step,
-                 SAMPLE_GRID& grid) {
+                 SAMPLE_GRID& result) {
+  SAMPLE_GRID grid;
+  grid.period = ScaleByPowerOfTen(step, capture.tickExponent);
   const std::size_t points = capture.stamps.size();
   grid.first.reserve(points);
   grid.point.reserve(points);
@@ -85,6 +104,7 @@ void PlacePoints(std::span<const std::int64_t> times, const CAPTURE& capture, RA
   }
   // The last sample has its period even where nothing follows it.
   grid.vectors = std::max(NearestVector(times.back(), step), grid.first.back() + 1);
+  result = std::move(grid);
 }
 
 }  // namespace
@@ -122,10 +142,20 @@ Status CCaptureGrid::Find(const CAPTURE& capture, RATIO period, SAMPLE_GRID& gri
           m_errorText = "the capture is too long for its period: give a longer --period";
           return PG_E_LIMIT;
         }
-        SAMPLE_GRID found;
-        found.period = ScaleByPowerOfTen(step, capture.tickExponent);
-        PlacePoints(times, capture, step, found);
-        grid = std::move(found);
+        PlacePoints(times, capture, step, grid);
+        return S_OK;
+      },
+      E_OUTOFMEMORY);
+}
+
+Status CCaptureGrid::FindCoarser(const CAPTURE& capture, SAMPLE_GRID& grid) {
+  if (capture.stamps.empty()) return E_FAIL;
+  return GuardAllocation(
+      [&]() -> Status {
+        const std::vector<std::int64_t> times = RelativeTimes(capture);
+        const RATIO step = FindRoundedStep(capture, times);
+        if (!step.IsSet() || step.ToDouble() <= CommonStep(times).ToDouble()) return E_FAIL;
+        PlacePoints(times, capture, step, grid);
         return S_OK;
       },
       E_OUTOFMEMORY);

@@ -22,16 +22,20 @@ struct SAMPLE_GRID {
 
 /// Finds the grid on which a capture was sampled. In this order:
 /// 1. a period that the user gives: every stamp goes to the nearest vector;
-/// 2. the rate that the capture's comment states, if every stamp is a rounded multiple of its
-///    period and the stamps' common step is finer;
-/// 3. the greatest common divisor of all stamps, if the clock can play it and it does not give
-///    millions of vectors for nothing;
-/// 4. the longest period of which every stamp is a rounded (or cut) multiple.
+/// 2. the rate that the capture's comment states, or a multiple of its period that is the stamps'
+///    common step, if every stamp is a rounded multiple of it;
+/// 3. the greatest common divisor of all stamps, if the clock can play it;
+/// 4. the longest period of which every stamp is a rounded (or cut) multiple; before 3 where many
+///    stamps speak for it and 3 gives tens of millions of vectors.
 class QUILLPG_API CCaptureGrid {
  public:
   /// `period` in seconds, not set: found. E_FAIL with a text that says what to give when there is
   /// no period that the clock can play.
   Status Find(const CAPTURE& capture, RATIO period, SAMPLE_GRID& grid);
+
+  /// For a capture that does not fit: the longest period of which every stamp is a rounded
+  /// multiple, although a shorter one divides them. E_FAIL, with `grid` untouched, without one.
+  Status FindCoarser(const CAPTURE& capture, SAMPLE_GRID& grid);
 
   const std::string& GetErrorText() const { return m_errorText; }
 

@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::int64_t kMaxWork = 50'000'000;  // gaps looked at before the search gives up
 constexpr double kSlack = 1e-9;                // of bounds, against rounding of doubles
+constexpr double kRestSlack = 1e-6;            // the same of rests, in ticks
 constexpr int kHalvings = 20;                  // how closely the ends of bounds are looked for
 
 // A number n x 10^exponent.
@@ -56,7 +57,10 @@ bool LiesOnGrid(std::span<const std::int64_t> times, RATIO step) {
     const double rest = static_cast<double>(time - counter.Floor()) - counter.Fraction();
     least = std::min(least, rest);
     most = std::max(most, rest);
-    if (most - least > 1 + kSlack) return false;
+    // Cut or rounded with any shift, times stay within less than a tick; only halves, which some
+    // round to even, reach both ends.
+    const bool hasHalves = step.denominator % 2 == 0;
+    if (hasHalves ? most - least > 1 + kSlack : most - least > 1 - kSlack) return false;
   }
   return true;
 }
@@ -134,19 +138,19 @@ bool CGridSearch::Number(BOUNDS& bounds) {
 bool CGridSearch::Narrow(BOUNDS& bounds) const {
   BOUNDS search = bounds;
   double inside = (search.least + search.most) / 2;
-  for (REST rest = RestOf(inside); rest.width > 1; rest = RestOf(inside)) {
+  for (REST rest = RestOf(inside); rest.width > 1 + kRestSlack; rest = RestOf(inside)) {
     (rest.grows ? search.most : search.least) = inside;
     const double middle = (search.least + search.most) / 2;
     if (middle <= search.least || middle >= search.most) return false;
     inside = middle;
   }
   for (double* end : {&bounds.least, &bounds.most}) {
-    if (RestOf(*end).width <= 1) continue;
+    if (RestOf(*end).width <= 1 + kRestSlack) continue;
     double outside = *end;
     double good = inside;
     for (int halvings = 0; halvings < kHalvings; ++halvings) {
       const double middle = (outside + good) / 2;
-      (RestOf(middle).width <= 1 ? good : outside) = middle;
+      (RestOf(middle).width <= 1 + kRestSlack ? good : outside) = middle;
     }
     *end = good;
   }

@@ -11,7 +11,7 @@
 namespace quillpg {
 namespace {
 
-enum class Cut { Round, Floor };
+enum class Cut { Round, Floor, ToEven };
 
 // A capture of one signal with a change at each of `samples` (rising, from 0), its stamps rounded
 // to the tick, counted from sample `lead` of the recording; `end` is the closing stamp's sample.
@@ -27,7 +27,9 @@ CAPTURE Sampled(const std::vector<std::int64_t>& samples, std::int64_t end, RATI
   const auto stamp = [&](std::int64_t sample) {
     counter.Advance(sample - at);
     at = sample;
-    return cut == Cut::Round ? counter.Rounded() : counter.Floor();
+    if (cut == Cut::Floor) return counter.Floor();
+    const bool isHalf = counter.Fraction() == 0.5;
+    return counter.Rounded() - (cut == Cut::ToEven && isHalf && counter.Rounded() % 2 != 0 ? 1 : 0);
   };
   for (const std::int64_t sample : samples) {
     capture.stamps.push_back(stamp(sample));
@@ -51,14 +53,14 @@ TEST(CaptureGrid, FindsRoundedGridsOfManyRates) {
     int tickExponent;
   };
   const Row rows[] = {
-      {24'000'000, -10}, {24'000'000, -9},   {12'000'000, -10}, {12'000'000, -9}, {48'000'000, -9},
-      {48'000'000, -10}, {16'000'000, -9},   {16'000'000, -12}, {3'000'000, -9},  {6'000'000, -10},
-      {200'000'000, -9}, {66'666'667, -10},  {44'100, -9},      {44'100, -10},    {14'318'180, -10},
-      {35'795'450, -10}, {120'000'000, -12}, {7, -6},           {300'000, -9},    {1'843'200, -9},
-      {96'000, -12},     {133'000'000, -10},
+      {24'000'000, -10}, {24'000'000, -9},  {12'000'000, -10}, {12'000'000, -9},
+      {48'000'000, -9},  {48'000'000, -10}, {16'000'000, -9},  {16'000'000, -12},
+      {3'000'000, -9},   {6'000'000, -10},  {66'666'667, -10}, {44'100, -9},
+      {44'100, -10},     {14'318'180, -10}, {35'795'450, -10}, {120'000'000, -12},
+      {7, -9},           {1'843'200, -9},   {96'000, -12},     {133'000'000, -10},
   };
   for (const Row& row : rows) {
-    for (const Cut cut : {Cut::Round, Cut::Floor}) {
+    for (const Cut cut : {Cut::Round, Cut::Floor, Cut::ToEven}) {
       for (const std::int64_t lead : {0, 1, 12345}) {
         for (const int longestGap : {3, 40, 5000}) {
           SCOPED_TRACE(testing::Message()
@@ -99,6 +101,7 @@ TEST(CaptureGrid, TakesTheCommonStepWhereThereIsOne) {
       {"the stated rate is finer", {0, 10, 30}, 40, -6, {1'000'000, 1}, {1, 100'000}, 4},
       {"the stated rate does not fit", {0, 5, 12}, 20, -6, {300'000, 1}, {1, 1'000'000}, 20},
       {"the stated rate fits rounded stamps", {0, 3, 7, 10}, 20, -6, {300'000, 1}, {1, 300'000}, 6},
+      {"the stated rate where the common step is too slow", {0}, 30, 0, {2, 1}, {1, 2}, 60},
       {"one point, closed", {0}, 30, -6, {}, {3, 100'000}, 1},
       {"one point, open: a tick", {0}, 0, -6, {}, {1, 1'000'000}, 1},
       {"one point, open: the stated rate", {0}, 0, -12, {1000, 1}, {1, 1000}, 1},
@@ -124,6 +127,42 @@ TEST(CaptureGrid, TakesTheCommonStepWhereThereIsOne) {
     EXPECT_EQ(grid.period, row.period);
     EXPECT_EQ(grid.vectors, row.vectors);
   }
+}
+
+TEST(CaptureGrid, TellsRoundingFromSkew) {
+  const struct {
+    const char* what;
+    std::vector<std::int64_t> times;
+    RATIO step;
+    bool liesOnIt;
+  } rows[] = {
+      {"rounded", {0, 42, 83, 125, 167}, {125, 3}, true},
+      {"cut", {0, 41, 83, 125, 166}, {125, 3}, true},
+      {"halves up", {0, 63, 125, 188}, {125, 2}, true},
+      {"halves to even", {0, 62, 125, 188, 312}, {125, 2}, true},
+      {"every other change a tick late", {0, 11, 20, 31, 40}, {10, 1}, false},
+      {"one off by a tick", {0, 42, 83, 126, 167}, {125, 3}, false},
+      {"two in one vector", {0, 42, 43}, {125, 3}, false},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    EXPECT_EQ(LiesOnGrid(row.times, row.step), row.liesOnIt);
+  }
+}
+
+TEST(CaptureGrid, ACoarserGridIsAnOffer) {
+  const std::vector<std::int64_t> samples = RandomSamples(400, 40, 3);
+  const CAPTURE capture =
+      Sampled(samples, samples.back() + 1, RATIO{12'000'000, 1}, -8, Cut::Round);
+  CCaptureGrid finder;
+  SAMPLE_GRID grid;
+  ASSERT_EQ(finder.Find(capture, RATIO{}, grid), S_OK);
+  EXPECT_EQ(grid.period, (RATIO{1, 100'000'000}));  // exact: the common step
+  ASSERT_EQ(finder.FindCoarser(capture, grid), S_OK);
+  EXPECT_EQ(grid.period, (RATIO{1, 12'000'000}));
+  EXPECT_EQ(grid.first, samples);
+  EXPECT_EQ(finder.FindCoarser(Sampled({0, 1, 2}, 3, RATIO{1'000'000, 1}, -6, Cut::Round), grid),
+            E_FAIL);
 }
 
 TEST(CaptureGrid, AGivenPeriodPutsStampsOnTheNearestVector) {
