@@ -16,8 +16,8 @@ namespace {
 
 constexpr int kVectors = 2000;
 
-// One module in FULL mode with the four default groups and one over all channels, and a text for
-// every vector.
+// One module in FULL mode, seen as a bus of 16 lines, eight control lines and one group over all
+// channels.
 class CGroupTextBench {
  public:
   CGroupTextBench() {
@@ -32,10 +32,10 @@ class CGroupTextBench {
     (void)m_instrument.Default();
     (void)m_instrument.GetGroupManager(&m_groups);
     (void)m_instrument.GetBlockManager(&m_blocks);
-    (void)m_groups->AddGroup("Wide");
-    for (int section = 7; section >= 0; --section) {
-      (void)m_instrument.AddSectionToGroup("Wide", section, -1);
-    }
+    (void)m_groups->DeleteAllGroups();
+    for (int line = 0; line < 8; ++line) AddGroup("Control" + std::to_string(line), 56 + line, 1);
+    AddGroup("Bus", 32, 16);
+    AddGroup("Wide", 0, 64);
     (void)m_blocks->AddBlock("Data", kVectors);
     FillBlock();
   }
@@ -49,7 +49,7 @@ class CGroupTextBench {
   }
   Work ReadPlain(const std::string& group, Radix radix) {
     return [this, group, radix] {
-      const CPlainGroupText plain(*m_groups, *m_blocks);
+      const CPlainGroupText plain(m_instrument);
       for (int i = 0; i < kVectors; ++i) (void)plain.Get(group, kBlock, i, radix, m_text);
     };
   }
@@ -63,7 +63,7 @@ class CGroupTextBench {
   }
   Work WritePlain(const std::string& group, Radix radix) {
     return [this, group, radix, texts = Texts(group, radix)] {
-      const CPlainGroupText plain(*m_groups, *m_blocks);
+      const CPlainGroupText plain(m_instrument);
       for (int i = 0; i < kVectors; ++i) {
         (void)plain.Set(group, kBlock, i, radix, texts[static_cast<std::size_t>(i)]);
       }
@@ -72,6 +72,13 @@ class CGroupTextBench {
 
  private:
   static constexpr int kBlock = 1;  // after the default block
+
+  void AddGroup(const std::string& name, int lowest, int channels) {
+    (void)m_groups->AddGroup(name);
+    for (int i = channels - 1; i >= 0; --i) {
+      (void)m_instrument.AddChannelToGroup(name, lowest + i, -1);
+    }
+  }
 
   void FillBlock() {
     BLOCK* block = nullptr;
@@ -100,12 +107,12 @@ class CGroupTextBench {
 
 void RegisterGroupTextBenches() {
   static CGroupTextBench bench;
-  RegisterRatio("group_get_hex16_vs_plain", 12, bench.ReadPlain("UserGrp3", Radix::Hex),
-                bench.Read("UserGrp3", Radix::Hex));
+  RegisterRatio("group_get_hex16_vs_plain", 12, bench.ReadPlain("Bus", Radix::Hex),
+                bench.Read("Bus", Radix::Hex));
   RegisterRatio("group_get_dec64_vs_plain", 25, bench.ReadPlain("Wide", Radix::Decimal),
                 bench.Read("Wide", Radix::Decimal));
-  RegisterRatio("group_set_hex16_vs_plain", 6, bench.WritePlain("UserGrp3", Radix::Hex),
-                bench.Write("UserGrp3", Radix::Hex));
+  RegisterRatio("group_set_hex16_vs_plain", 6, bench.WritePlain("Bus", Radix::Hex),
+                bench.Write("Bus", Radix::Hex));
   RegisterRatio("group_set_dec64_vs_plain", 60, bench.WritePlain("Wide", Radix::Decimal),
                 bench.Write("Wide", Radix::Decimal));
 }

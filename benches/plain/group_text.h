@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/text.h"
+#include "instrument/instrument.h"
 #include "program/block_manager.h"
 #include "program/group_manager.h"
 #include "quillpg/engine_types.h"
@@ -20,8 +21,10 @@ namespace quillpg {
 /// text and the reference that its speed is measured against.
 class CPlainGroupText {
  public:
-  CPlainGroupText(const CGroupManager& groups, const CBlockManager& blocks)
-      : m_groups(groups), m_blocks(blocks) {}
+  explicit CPlainGroupText(CInstrument& instrument) : m_instrument(instrument) {
+    (void)instrument.GetGroupManager(&m_groups);
+    (void)instrument.GetBlockManager(&m_blocks);
+  }
 
   Status Get(const std::string& name, int block, int vector, Radix radix, std::string& text) const {
     const GROUP* group = FindGroup(name);
@@ -75,45 +78,35 @@ class CPlainGroupText {
   const GROUP* FindGroup(const std::string& name) const {
     const std::string trimmed(Trim(name));
     int count = 0;
-    (void)m_groups.GetNoOfGroups(count);
+    (void)m_groups->GetNoOfGroups(count);
     for (int i = 0; i < count; ++i) {
       GROUP* group = nullptr;
-      (void)m_groups.GetGroup(i, &group);
+      (void)m_groups->GetGroup(i, &group);
       if (group && EqualNoCase(group->GetGroupName(), trimmed)) return group;
     }
     return nullptr;
   }
 
-  BLOCK* BlockAt(int index) const {
+  const BLOCK* BlockAt(int index) const {
     BLOCK* block = nullptr;
-    (void)m_blocks.GetBlock(index, &block);
+    (void)m_blocks->GetBlock(index, &block);
     return block;
-  }
-
-  std::uint8_t* ByteOf(int channel, int index, int vector) const {
-    BLOCK* block = BlockAt(index);
-    if (!block || !block->Data() || vector < 0 || vector >= block->GetBlockSize()) return nullptr;
-    if (channel < 0 || channel >= block->GetBlockWidth()) return nullptr;
-    return block->Data() + static_cast<std::ptrdiff_t>(vector) * (block->GetBlockWidth() / 8) +
-           channel / 8;
   }
 
   int ChannelBit(const GROUP& group, int position, int block, int vector) const {
     int channel = -1;
     group.GetChannelId(position, channel);
-    const std::uint8_t* byte = ByteOf(channel, block, vector);
-    return byte ? *byte >> channel % 8 & 1 : 0;
+    int bit = 0;
+    (void)m_instrument.GetChannelData(channel, block, vector, bit);  // 0 outside the block
+    return bit;
   }
 
   void WriteBit(const GROUP& group, int position, int block, int vector, std::uint64_t value,
                 int bit) const {
     int channel = -1;
     group.GetChannelId(position, channel);
-    std::uint8_t* byte = ByteOf(channel, block, vector);
-    if (!byte) return;
-    const int mask = 1 << channel % 8;
-    const bool set = bit < 64 && (value >> bit & 1) != 0;
-    *byte = static_cast<std::uint8_t>(set ? *byte | mask : *byte & ~mask);
+    (void)m_instrument.SetChannelData(channel, block, vector,
+                                      bit < 64 ? static_cast<int>(value >> bit & 1) : 0);
   }
 
   unsigned long ReadChunk(const GROUP& group, int first, int count, int block, int vector) const {
@@ -212,8 +205,9 @@ class CPlainGroupText {
     return value;
   }
 
-  const CGroupManager& m_groups;
-  const CBlockManager& m_blocks;
+  CInstrument& m_instrument;
+  CGroupManager* m_groups = nullptr;
+  CBlockManager* m_blocks = nullptr;
 };
 
 }  // namespace quillpg

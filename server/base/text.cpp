@@ -8,7 +8,8 @@ namespace quillpg {
 
 namespace {
 
-constexpr std::string_view kWhiteSpace = " \t\r\n\v\f";
+// Blank, tab, LF, VT, FF and CR.
+constexpr bool IsWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 // Length of a conversion's letters at the start of `text` ("d", "ld", "hd", "s", "c"), 0 for none.
 std::size_t ConversionLength(std::string_view text) {
@@ -32,9 +33,9 @@ std::string ToText(Args... args) {
 }  // namespace
 
 std::string_view Trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kWhiteSpace);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
+  while (!text.empty() && IsWhiteSpace(text.front())) text.remove_prefix(1);
+  while (!text.empty() && IsWhiteSpace(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 void TrimInPlace(std::string& text) {

@@ -99,6 +99,10 @@ CGroupPlan::CGroupPlan(std::span<const int> channels)
 
 void CGroupPlan::Load(const std::uint8_t* row, std::size_t rowBytes,
                       std::span<std::uint64_t> value) const {
+  if (m_runs.size() == 1 && m_runs[0].count == m_bits) {  // a bus of up to 64 channels in a row
+    value[0] = LoadBits(row, rowBytes, static_cast<std::size_t>(m_runs[0].channel), m_bits);
+    return;
+  }
   std::ranges::fill(value, 0);
   for (const RUN& run : m_runs) {
     value[static_cast<std::size_t>(run.bit / kWordBits)] |=
