@@ -16,8 +16,8 @@ namespace {
 
 constexpr int kVectors = 2000;
 
-// One module in FULL mode, seen as a bus of 16 lines, eight control lines and one group over all
-// channels.
+// One module in FULL mode with the signals of a capture of 64 lines: 48 of one line, a bus of 16;
+// and one group over all channels.
 class CGroupTextBench {
  public:
   CGroupTextBench() {
@@ -33,8 +33,8 @@ class CGroupTextBench {
     (void)m_instrument.GetGroupManager(&m_groups);
     (void)m_instrument.GetBlockManager(&m_blocks);
     (void)m_groups->DeleteAllGroups();
-    for (int line = 0; line < 8; ++line) AddGroup("Control" + std::to_string(line), 56 + line, 1);
-    AddGroup("Bus", 32, 16);
+    for (int line = 0; line < 48; ++line) AddGroup("D" + std::to_string(line), line, 1);
+    AddGroup("Bus", 48, 16);
     AddGroup("Wide", 0, 64);
     (void)m_blocks->AddBlock("Data", kVectors);
     FillBlock();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstring>
 #include <vector>
@@ -26,6 +27,7 @@ constexpr DIGIT_RULE kHexRule = {4, 8};
 constexpr DIGIT_RULE kOctalRule = {3, 10};
 constexpr DIGIT_RULE kBinaryRule = {1, 32};
 
+constexpr char kDigitChars[] = "0123456789ABCDEF";
 constexpr std::uint8_t kNoDigit = 0xFF;
 
 constexpr std::array<std::uint8_t, 256> MakeDigitTable() {
@@ -38,22 +40,37 @@ constexpr std::array<std::uint8_t, 256> MakeDigitTable() {
   return table;
 }
 
-constexpr std::array<char, 200> MakeDigitPairs() {
-  std::array<char, 200> pairs{};
-  for (unsigned i = 0; i < 100; ++i) {
-    pairs[2 * i] = static_cast<char>('0' + i / 10);
-    pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+constexpr std::array<std::uint64_t, 20> MakePowersOfTen() {
+  std::array<std::uint64_t, 20> powers{};
+  std::uint64_t power = 1;
+  for (auto& entry : powers) {
+    entry = power;
+    power *= 10;
+  }
+  return powers;
+}
+
+constexpr std::array<std::uint64_t, 20> kPowersOfTen = MakePowersOfTen();
+
+// The two digits of every number below Base x Base.
+template <unsigned Base>
+constexpr std::array<char, 2 * Base * Base> MakeDigitPairs() {
+  std::array<char, 2 * Base * Base> pairs{};
+  for (unsigned i = 0; i < Base * Base; ++i) {
+    pairs[2 * i] = kDigitChars[i / Base];
+    pairs[2 * i + 1] = kDigitChars[i % Base];
   }
   return pairs;
 }
 
-constexpr std::array<char, 200> kDigitPairs = MakeDigitPairs();
+constexpr auto kDecimalPairs = MakeDigitPairs<10>();
+constexpr auto kHexPairs = MakeDigitPairs<16>();
 
 constexpr std::array<std::uint8_t, 256> kDigits = MakeDigitTable();
 
 unsigned DigitOf(char c) { return kDigits[static_cast<unsigned char>(c)]; }
 
-// Digits of a radix whose base is a power of two.
+// Digits of octal and binary.
 template <unsigned BitsPerDigit>
 void FormatPowerOfTwo(std::span<const std::uint64_t> value, int bits, std::string& text) {
   constexpr std::uint64_t kMask = (1u << BitsPerDigit) - 1;
@@ -65,13 +82,22 @@ void FormatPowerOfTwo(std::span<const std::uint64_t> value, int bits, std::strin
     const std::size_t word = bit / kWordBits;
     const unsigned shift = bit % kWordBits;
     std::uint64_t digit = value[word] >> shift;
-    if constexpr (kWordBits % BitsPerDigit != 0) {  // octal digits lie across words
-      if (shift + BitsPerDigit > kWordBits && word + 1 < value.size()) {
-        digit |= value[word + 1] << (kWordBits - shift);
-      }
+    if (shift + BitsPerDigit > kWordBits && word + 1 < value.size()) {
+      digit |= value[word + 1] << (kWordBits - shift);
     }
-    *--end = "0123456789ABCDEF"[digit & kMask];
+    *--end = kDigitChars[digit & kMask];
   }
+}
+
+void FormatHex(std::span<const std::uint64_t> value, int bits, std::string& text) {
+  const std::size_t digits = (static_cast<std::size_t>(std::max(bits, 0)) + 3) / 4;
+  text.resize(digits);
+  char* end = text.data() + digits;
+  for (std::size_t byte = 0; byte < digits / 2; ++byte) {
+    end -= 2;
+    std::memcpy(end, &kHexPairs[2 * (value[byte / 8] >> byte % 8 * 8 & 0xFF)], 2);
+  }
+  if (digits % 2 != 0) *--end = kDigitChars[value[digits / 16] >> digits / 2 % 8 * 8 & 0xF];
 }
 
 // Divides the value in place and gives the remainder.
@@ -100,32 +126,37 @@ void FormatWideDecimal(std::span<const std::uint64_t> value, std::string& text) 
   std::ranges::reverse(text);
 }
 
-// Writes the four digits of a number below 10000 in front of `end`.
+// Writes the digits of a number below 100 in front of `end`.
+char* WriteTwoDigits(char* end, unsigned number) {
+  std::memcpy(end - 2, &kDecimalPairs[2 * number], 2);
+  return end - 2;
+}
+
 char* WriteFourDigits(char* end, unsigned number) {
-  std::memcpy(end - 2, &kDigitPairs[2 * (number % 100)], 2);
-  std::memcpy(end - 4, &kDigitPairs[2 * (number / 100)], 2);
-  return end - 4;
+  return WriteTwoDigits(WriteTwoDigits(end, number % 100), number / 100);
+}
+
+std::size_t CountDigits(std::uint64_t value) {
+  // 1233 / 4096 is log10(2) closely enough; the guess is one too low for some values.
+  const auto guess = static_cast<std::size_t>(std::bit_width(value | 1)) * 1233 >> 12;
+  return guess + (value >= kPowersOfTen[guess] ? 1 : 0);
 }
 
 // The value in eight digits at a time: the parts do not wait for one another.
 void FormatDecimal(std::uint64_t value, std::string& text) {
-  char digits[24];
-  char* const end = digits + sizeof digits;
-  char* start = end;
+  text.resize(std::max<std::size_t>(CountDigits(value), 1));
+  char* end = text.data() + text.size();
   for (; value >= kEightDigits; value /= kEightDigits) {
     const auto part = static_cast<unsigned>(value % kEightDigits);
-    start = WriteFourDigits(WriteFourDigits(start, part % 10000), part / 10000);
+    end = WriteFourDigits(WriteFourDigits(end, part % 10000), part / 10000);
   }
   auto rest = static_cast<unsigned>(value);
-  if (rest >= 10000) {
-    start = WriteFourDigits(start, rest % 10000);
-    rest /= 10000;
+  for (; rest >= 100; rest /= 100) end = WriteTwoDigits(end, rest % 100);
+  if (rest >= 10) {
+    WriteTwoDigits(end, rest);
+  } else {
+    *--end = kDigitChars[rest];
   }
-  do {
-    *--start = static_cast<char>('0' + rest % 10);
-    rest /= 10;
-  } while (rest != 0);
-  text.assign(start, end);
 }
 
 std::uint64_t ConvertChunk(std::string_view chunk, unsigned bitsPerDigit) {
@@ -212,7 +243,7 @@ bool IsRadix(Radix radix) {
 void FormatValue(std::span<const std::uint64_t> value, int bits, Radix radix, std::string& text) {
   switch (radix) {
     case Radix::Hex:
-      return FormatPowerOfTwo<kHexRule.bitsPerDigit>(value, bits, text);
+      return FormatHex(value, bits, text);
     case Radix::Decimal:
       return value.size() > 1 ? FormatWideDecimal(value, text)
                               : FormatDecimal(value.empty() ? 0 : value[0], text);

@@ -101,9 +101,6 @@ Status GROUP::Read(std::istream& /*stream*/) { return E_FAIL; }
 // Not built yet.
 Status GROUP::Write(std::ostream& /*stream*/) const { return E_FAIL; }
 
-const CGroupPlan& GROUP::Plan() const {
-  if (!m_plan) m_plan = std::make_unique<CGroupPlan>(m_channels);
-  return *m_plan;
-}
+void GROUP::MakePlan() const { m_plan = std::make_unique<CGroupPlan>(m_channels); }
 
 }  // namespace quillpg

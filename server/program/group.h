@@ -71,12 +71,17 @@ struct QUILLPG_API GROUP {
 
   /// How values are gathered from and scattered to a block's rows; made at the first use after a
   /// change of the channel list, valid until the next one.
-  const CGroupPlan& Plan() const;
+  const CGroupPlan& Plan() const {
+    if (!m_plan) MakePlan();
+    return *m_plan;
+  }
 
   /// `list` counts the changes of name and channels from now on; null takes it away.
   void ReportTo(CRevision* list) { m_revision.ReportTo(list); }
 
  private:
+  void MakePlan() const;
+
   std::string m_name;
   std::string m_channelNames;
   std::vector<int> m_channels;

@@ -23,15 +23,23 @@ CGroupManager& CGroupManager::operator=(const CGroupManager& /*other*/) {
 // --- look-ups ---
 
 int CGroupManager::Find(std::string_view name) const {
-  if (name.empty()) return m_groups.Find(name);  // the index knows no empty names
-  if (m_indexedRevision != m_groups.Revision()) {
-    const Status indexed = GuardAllocation([&] { return IndexNames(); });
-    if (Failed(indexed)) return m_groups.Find(name);
+  const bool indexed = m_indexedRevision == m_groups.Revision();
+  // A column is asked for cell after cell: the group of the last call is tried first. It was the
+  // first of its name and still is, since the names are those of the index.
+  if (const GROUP* last = indexed ? m_groups.At(m_lastFound) : nullptr) {
+    if (last->GetGroupName() == name) return m_lastFound;
   }
-  return m_nameIndex.First(name);
+  name = Trim(name);
+  if (name.empty()) return m_groups.Find(name);  // the index knows no empty names
+  if (!indexed && Failed(GuardAllocation([&] { return IndexNames(); }))) {
+    return m_groups.Find(name);
+  }
+  m_lastFound = m_nameIndex.First(name);
+  return m_lastFound;
 }
 
 Status CGroupManager::IndexNames() const {
+  m_lastFound = -1;
   m_nameIndex.Clear(m_groups.Count());
   for (int i = 0; i < m_groups.Count(); ++i) {
     if (const GROUP* group = m_groups.At(i)) m_nameIndex.Add(group->GetGroupName(), i);
@@ -60,7 +68,7 @@ Status CGroupManager::GetGroup(int index, GROUP** group) const {
 }
 
 Status CGroupManager::GetGroup(const std::string& name, GROUP** group) const {
-  return GetGroup(Find(Trim(name)), group);
+  return GetGroup(Find(name), group);
 }
 
 Status CGroupManager::GetGroupName(int index, std::string& name) const {
@@ -69,7 +77,7 @@ Status CGroupManager::GetGroupName(int index, std::string& name) const {
 }
 
 Status CGroupManager::FindGroup(const std::string& name, int& index) const {
-  index = Find(Trim(name));
+  index = Find(name);
   return index < 0 ? E_FAIL : S_OK;
 }
 
@@ -93,21 +101,21 @@ Status CGroupManager::CountGroups(const std::string& name, int& count) const {
 
 Status CGroupManager::IsGroupEmpty(const std::string& name, int& empty) const {
   empty = 1;
-  const GROUP* group = m_groups.At(Find(Trim(name)));
+  const GROUP* group = m_groups.At(Find(name));
   if (!group) return E_FAIL;
   empty = group->GetNoOfChannels() == 0 ? 1 : 0;
   return S_OK;
 }
 
 Status CGroupManager::GetNoOfChannels(const std::string& name, int& count) const {
-  const GROUP* group = m_groups.At(Find(Trim(name)));
+  const GROUP* group = m_groups.At(Find(name));
   if (!group) return PG_E_NO_GROUP;
   count = group->GetNoOfChannels();
   return S_OK;
 }
 
 Status CGroupManager::GetProbeChannelNames(const std::string& name, std::string& text) const {
-  const GROUP* group = m_groups.At(Find(Trim(name)));
+  const GROUP* group = m_groups.At(Find(name));
   return group ? StoreText(text, group->GetChannelNames()) : PG_E_NO_GROUP;
 }
 
@@ -117,7 +125,7 @@ Status CGroupManager::GetGroupTextLength(int index, Radix radix, int& length) co
 }
 
 Status CGroupManager::GetGroupTextLength(const std::string& name, Radix radix, int& length) const {
-  return GetGroupTextLength(Find(Trim(name)), radix, length);
+  return GetGroupTextLength(Find(name), radix, length);
 }
 
 Status CGroupManager::GetChannelGroup(int channel, int& index) const {
@@ -135,8 +143,8 @@ Status CGroupManager::GetChannelSelectionStatus(int channel, const std::string& 
   status = ChannelSelection::InNoGroup;
   int holder = -1;
   if (!Failed(GetChannelGroup(channel, holder))) {
-    status = holder == Find(Trim(groupName)) ? ChannelSelection::InThisGroup
-                                             : ChannelSelection::InOtherGroup;
+    status =
+        holder == Find(groupName) ? ChannelSelection::InThisGroup : ChannelSelection::InOtherGroup;
   }
   return S_OK;
 }

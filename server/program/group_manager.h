@@ -102,6 +102,7 @@ class QUILLPG_API CGroupManager : public CProgramManager {
   Status Write(CByteWriter& writer) const;
 
  private:
+  /// First group of the trimmed name, or -1.
   int Find(std::string_view name) const;
   Status IndexNames() const;
   Status Insert(int position, std::string_view name);
@@ -114,6 +115,7 @@ class QUILLPG_API CGroupManager : public CProgramManager {
   /// The names as of m_indexedRevision; group text is asked for by name, cell after cell.
   mutable CNameIndex m_nameIndex;
   mutable std::uint64_t m_indexedRevision = 0;
+  mutable int m_lastFound = -1;
   WAVEFORM_ROW_CACHE m_waveformRows;
 };
 

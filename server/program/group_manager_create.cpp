@@ -94,7 +94,7 @@ Status CGroupManager::GetSectionName(int section, std::string& name) const {
 Status CGroupManager::CheckGrouping(const std::vector<std::string>& names,
                                     const std::vector<std::string>& sizes) const {
   for (std::size_t i = 0; i < names.size(); ++i) {
-    const GROUP* group = m_groups.At(Find(Trim(names[i])));
+    const GROUP* group = m_groups.At(Find(names[i]));
     if (!group || i >= sizes.size() || group->GetNoOfChannels() != ParseSize(sizes[i])) {
       return PG_E_GROUPING;
     }

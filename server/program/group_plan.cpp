@@ -10,15 +10,23 @@ namespace {
 constexpr std::size_t kWordBytes = 8;
 constexpr int kWordBits = 64;
 
-// Byte order is spelled out; compilers make one load or store of it.
-std::uint64_t LoadWord(const std::uint8_t* bytes) {
-  std::uint64_t word = 0;
-  for (unsigned i = 0; i < kWordBytes; ++i) word |= std::uint64_t{bytes[i]} << (8 * i);
-  return word;
+// Byte order is spelled out, byte for byte and not as a loop: compilers then make one load or store
+// of it.
+std::uint64_t LoadWord(const std::uint8_t* p) {
+  return std::uint64_t{p[0]} | std::uint64_t{p[1]} << 8 | std::uint64_t{p[2]} << 16 |
+         std::uint64_t{p[3]} << 24 | std::uint64_t{p[4]} << 32 | std::uint64_t{p[5]} << 40 |
+         std::uint64_t{p[6]} << 48 | std::uint64_t{p[7]} << 56;
 }
 
-void StoreWord(std::uint8_t* bytes, std::uint64_t word) {
-  for (unsigned i = 0; i < kWordBytes; ++i) bytes[i] = static_cast<std::uint8_t>(word >> (8 * i));
+void StoreWord(std::uint8_t* p, std::uint64_t word) {
+  p[0] = static_cast<std::uint8_t>(word);
+  p[1] = static_cast<std::uint8_t>(word >> 8);
+  p[2] = static_cast<std::uint8_t>(word >> 16);
+  p[3] = static_cast<std::uint8_t>(word >> 24);
+  p[4] = static_cast<std::uint8_t>(word >> 32);
+  p[5] = static_cast<std::uint8_t>(word >> 40);
+  p[6] = static_cast<std::uint8_t>(word >> 48);
+  p[7] = static_cast<std::uint8_t>(word >> 56);
 }
 
 // Rows of fewer than eight bytes.
