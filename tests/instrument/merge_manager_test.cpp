@@ -1,0 +1,350 @@
+#include "instrument/merge_manager.h"
+
+#include "hardware/module.h"
+#include "hardware/module_manager.h"
+#include "hardware/simulation/memory_sink.h"
+#include "instrument/instrument.h"
+#include "instrument/instrument_manager.h"
+#include "program/block_manager.h"
+#include "quillpg/app_server.h"
+#include "support/instrument_fixture.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace quillpg {
+namespace {
+
+// Instruments "PG 1", "PG 2" ... of one module each, and the dialog's working copy of them.
+class CMergeFixture : public CEngineFixture {
+ public:
+  explicit CMergeFixture(int modules) : CEngineFixture(modules) {
+    (void)Server().DefaultSystem();
+    (void)Server().GetMergeManager(&m_manager);
+  }
+  ~CMergeFixture() { (void)Instruments().DeleteAll(); }
+
+  CMergeManager& Merger() { return *m_manager; }
+  CInstrument* Live(int position) {
+    CInstrument* instrument = nullptr;
+    (void)Instruments().GetInstrumentAt(position, &instrument);
+    return instrument;
+  }
+
+  // "m3" merges, "u3" splits, "d3" deletes the instrument, "a3" adds one of one module; gives the
+  // status of the last step.
+  Status Do(const std::string& steps) {
+    Status status = S_OK;
+    for (std::size_t i = 0; i + 1 < steps.size(); i += 3) {
+      const int number = steps[i + 1] - '0';
+      status = steps[i] == 'm'   ? m_manager->Merge(number)
+               : steps[i] == 'u' ? m_manager->UnMerge(number)
+               : steps[i] == 'd' ? m_manager->DeleteInstrument(number)
+                                 : m_manager->AddInstrument(0, number, 1);
+    }
+    return status;
+  }
+
+  // Names and module counts of the working copy, '*' before the current one.
+  std::string Copy() {
+    std::string text;
+    int count = 0;
+    int current = -1;
+    (void)m_manager->GetNoOfInstruments(count);
+    (void)m_manager->GetCurrentInst(current);
+    for (int i = 0; i < count; ++i) {
+      INSTRUMENT_INFO* info = nullptr;
+      (void)m_manager->GetInstrumentAt(i, &info);
+      text += i == current ? " *" : " ";
+      text += info ? info->name + ":" + std::to_string(info->moduleCount) : "-";
+    }
+    return text.substr(std::min<std::size_t>(text.size(), 1));
+  }
+
+  // The same of the live instruments.
+  std::string System() {
+    std::string text;
+    int count = 0;
+    int current = -1;
+    (void)Instruments().GetNoOfInstruments(count);
+    (void)Instruments().GetCurrentInst(current);
+    for (int i = 0; i < count; ++i) {
+      std::string name;
+      int modules = 0;
+      if (Live(i)) (void)Live(i)->GetInstrumentName(name);
+      if (Live(i)) (void)Live(i)->GetNoOfModules(modules);
+      text += (i == current ? " *" : " ") + name + ":" + std::to_string(modules);
+    }
+    return text.substr(std::min<std::size_t>(text.size(), 1));
+  }
+
+ private:
+  CMergeManager* m_manager = nullptr;
+};
+
+TEST(MergeManager, EditsTheWorkingCopyAlone) {
+  struct ROW {
+    const char* steps;
+    Status status;
+    const char* copy;
+  };
+  const ROW rows[] = {
+      {"", S_OK, "*PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1"},
+      {"m2", S_OK, "PG 1:1 *PG 0:2 PG 4:1 PG 5:1 PG 6:1"},
+      {"m2 m3", S_OK, "PG 1:1 *PG 2:3 PG 5:1 PG 6:1"},
+      {"m1 m2 m3 m4", S_OK, "*PG 3:5 PG 6:1"},
+      {"m1 m2 m3 m4 m5", E_FAIL, "*PG 3:5 PG 6:1"},
+      {"m1 m2 m4 m5 m3", E_FAIL, "PG 1:3 *PG 3:3"},
+      {"m1 m1", E_FAIL, "*PG 0:2 PG 3:1 PG 4:1 PG 5:1 PG 6:1"},
+      {"m0", E_FAIL, "*PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1"},
+      {"m6", E_FAIL, "*PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1"},
+      {"u0", S_OK, "*PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1"},
+      {"u6", E_FAIL, "*PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1"},
+      {"m2 m3 u1", E_FAIL, "PG 1:1 *PG 2:3 PG 5:1 PG 6:1"},
+      {"m2 m3 u2", S_OK, "PG 1:1 *PG 3:1 PG 4:2 PG 5:1 PG 6:1"},
+      {"m2 m3 u3", S_OK, "PG 1:1 *PG 3:2 PG 4:1 PG 5:1 PG 6:1"},
+      {"a0", S_OK, "*PG 0:1 PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1"},
+      {"a8", S_OK, "*PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1 - - PG 0:1"},
+      {"d6", E_FAIL, "*PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1"},
+      {"d1 d1", S_OK, "*PG 1:1 PG 4:1 PG 5:1 PG 6:1"},
+      {"d0 d0 m4", E_FAIL, "*PG 3:1 PG 4:1 PG 5:1 PG 6:1"},  // no instrument holds module 4
+  };
+  for (const ROW& row : rows) {
+    SCOPED_TRACE(row.steps);
+    CMergeFixture engine(6);
+    EXPECT_EQ(engine.Do(row.steps), row.status);
+    EXPECT_EQ(engine.Copy(), row.copy);
+    EXPECT_EQ(engine.System(), "*PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1");
+  }
+}
+
+TEST(MergeManager, TellsWhatMayBeMergedAndSplit) {
+  CMergeFixture engine(6);
+  ASSERT_EQ(engine.Do("m1 m2 m3 m4"), S_OK);
+  const char* roles[] = {"Master", "Slave1", "Slave2", "Slave3", "Slave4", ""};
+  for (int i = 0; i < 6; ++i) {
+    int can = -1;
+    EXPECT_EQ(engine.Merger().CanMerge(i, can), S_OK);
+    EXPECT_EQ(can, i == 5 ? 1 : 0);
+    EXPECT_EQ(engine.Merger().CanUnMerge(i, can), S_OK);
+    EXPECT_EQ(can, i == 5 ? 0 : 1);
+    std::string role;
+    EXPECT_EQ(engine.Merger().GetRoleName(i, role), S_OK);
+    EXPECT_EQ(role, roles[i]);
+  }
+  int can = 1;
+  EXPECT_EQ(engine.Merger().CanMerge(6, can), E_FAIL);
+  EXPECT_EQ(can, 0);
+  can = 1;
+  EXPECT_EQ(engine.Merger().CanUnMerge(-1, can), E_FAIL);
+  EXPECT_EQ(can, 0);
+}
+
+TEST(MergeManager, GeneratesFreeNames) {
+  CMergeFixture engine(2);
+  CMergeManager& merger = engine.Merger();
+  (void)merger.SetInstrumentName(0, "pg 0");
+  (void)merger.SetInstrumentName(1, "PG 1");
+  std::string name;
+  EXPECT_EQ(merger.GetUniqueInstrumentName(name), S_OK);
+  EXPECT_EQ(name, "PG 2");
+  EXPECT_EQ(merger.GetUniqueInstrumentName(name), S_OK);
+  EXPECT_EQ(name, "PG 2");
+  (void)merger.SetInstrumentName(0, "PG 2");
+  EXPECT_EQ(merger.GetUniqueInstrumentName(name), S_OK);
+  EXPECT_EQ(name, "PG 3");  // not the freed PG 0
+  EXPECT_EQ(merger.SetInstrumentName(2, "x"), E_FAIL);
+
+  int valid = 0;
+  for (const auto& [asked, expected] :
+       {std::pair("pg 1", 0), std::pair(" \t", 0), std::pair("", 0), std::pair("PG 9", 1)}) {
+    EXPECT_EQ(merger.IsValidInstrumentName(asked, valid), S_OK);
+    EXPECT_EQ(valid, expected) << asked;
+  }
+  (void)engine.Do("d0 d0");
+  (void)merger.IsValidInstrumentName("", valid);
+  EXPECT_EQ(valid, 1);
+
+  // A translation that forgot the number.
+  (void)merger.AddInstrument(0, 0, 1);
+  engine.Host().texts[12082] = "PG";
+  EXPECT_EQ(merger.AddInstrument(0, 0, 1), S_OK);
+  EXPECT_EQ(merger.AddInstrument(0, 0, 1), E_FAIL);
+}
+
+TEST(MergeManager, NeighboursOfOneFrameAndFirmwareAreMergeable) {
+  CMergeFixture engine(6);
+  engine.Simulation().Module(1)->firmware = "0.17A";
+  engine.Simulation().Module(2)->firmware = "0.17a";
+  engine.Simulation().Module(4)->frame = 1;
+  engine.Simulation().Module(5)->slot = 14;
+  CMergeManager& merger = engine.Merger();
+  ASSERT_EQ(merger.Initialize(&engine.Instruments()), S_OK);
+  const int mergeable[] = {0, 0, 1, 0, 0, 0};
+  const COrderedList<MODULE_INFO>* list = nullptr;
+  ASSERT_EQ(merger.GetModuleInfo(&list), S_OK);
+  for (int i = 0; i < 6; ++i) EXPECT_EQ(list->At(i)->mergeable, mergeable[i]) << i;
+  EXPECT_EQ(list->At(4)->frame, 1);
+  EXPECT_EQ(list->At(5)->slot, 14);
+  EXPECT_EQ(list->At(5)->slotsOccupied, 2);
+  EXPECT_EQ(list->At(5)->memoryDepth, 262140);
+  EXPECT_EQ(list->At(5)->modelName, "QPG-64");
+}
+
+TEST(MergeManager, WalksAroundEmptyEntries) {
+  CMergeFixture engine(3);
+  ASSERT_EQ(engine.Do("m1 a4 d1"), S_OK);  // two modules, three empty entries less one, one module
+  CMergeManager& merger = engine.Merger();
+  const auto answer = [&](Status (CMergeManager::*query)(int, int&) const, int of) {
+    int result = -2;
+    const Status status = (merger.*query)(of, result);
+    EXPECT_EQ(status, result < 0 ? E_FAIL : S_OK);
+    return result;
+  };
+  EXPECT_EQ(engine.Copy(), "*PG 0:2 - - PG 1:1");
+  EXPECT_EQ(answer(&CMergeManager::GetNextInstrumentId, 0), 3);
+  EXPECT_EQ(answer(&CMergeManager::GetPrevInstrumentId, 3), 0);
+  EXPECT_EQ(answer(&CMergeManager::GetNextInstrumentId, 3), -1);
+  EXPECT_EQ(answer(&CMergeManager::GetPrevInstrumentId, 4), -1);
+  EXPECT_EQ(answer(&CMergeManager::GetFirstModuleId, 1), -1);
+  EXPECT_EQ(answer(&CMergeManager::GetFirstModuleId, 3), 2);
+  EXPECT_EQ(answer(&CMergeManager::GetLastModuleId, 0), 1);
+  EXPECT_EQ(answer(&CMergeManager::GetNoOfModulesToTheLeft, 3), 2);
+  EXPECT_EQ(answer(&CMergeManager::GetModuleCount, 1), -1);
+  EXPECT_EQ(answer(&CMergeManager::GetNextModuleId, 2), -1);
+  EXPECT_EQ(answer(&CMergeManager::GetPrevModuleId, 0), -1);
+  EXPECT_EQ(answer(&CMergeManager::GetMaxClockSpeed, 3), 134);
+  long depth = 0;
+  EXPECT_EQ(merger.GetMemoryDepth(1, depth), E_FAIL);
+  EXPECT_EQ(depth, -1);
+
+  (void)merger.SetCurrentInst(3);
+  ASSERT_EQ(merger.Update(), S_OK);
+  EXPECT_EQ(engine.System(), "PG 0:2 *PG 1:1");
+}
+
+TEST(MergeManager, UpdateKeepsWhatHasTheSameModules) {
+  CMergeFixture engine(4);
+  CInstrument* first = engine.Live(0);
+  CInstrument* last = engine.Live(3);
+  CRecordingEventHandler handler;
+  (void)last->SetEventHandler(&handler);
+  (void)last->SetChannelMode(ChannelMode::Half);
+  (void)last->SetChannelData(5, 0, 7, 0);
+  CMergeManager& merger = engine.Merger();
+  ASSERT_EQ(engine.Do("m2"), S_OK);
+  // The names of the two that stay change places.
+  (void)merger.SetInstrumentName(0, "PG 4");
+  (void)merger.SetInstrumentName(2, "PG 1");
+  MODULE_INFO* module = nullptr;
+  (void)merger.GetModuleAt(1, &module);
+  module->clockDeskew = 2.5F;
+  handler.events.clear();
+  ASSERT_EQ(merger.Update(), S_OK);
+  EXPECT_EQ(engine.System(), "PG 4:1 *PG 0:2 PG 1:1");
+  EXPECT_EQ(engine.Live(0), first);
+  EXPECT_EQ(engine.Live(2), last);
+  EXPECT_EQ(handler.Take(), std::vector<std::string>{"OnInstrumentRenamed()"});
+  int bit = 1;
+  EXPECT_EQ(last->GetChannelData(5, 0, 7, bit), S_OK);
+  EXPECT_EQ(bit, 0);
+  float deskew = 0;
+  EXPECT_EQ(engine.Module(1).GetClockDeskew(deskew), S_OK);
+  EXPECT_EQ(deskew, 2.5F);  // after the defaults of the new instrument
+  int answer = 0;
+  EXPECT_EQ(merger.GetMaxClockSpeed(2, answer), S_OK);
+  EXPECT_EQ(answer, 268);
+  EXPECT_EQ(merger.GetMaxChannelsPerModule(2, answer), S_OK);
+  EXPECT_EQ(answer, 32);
+
+  const CInstrument* merged = engine.Live(1);
+  EXPECT_EQ(merger.Update(), S_OK);
+  EXPECT_EQ(engine.Live(1), merged);
+  EXPECT_EQ(engine.Do("u2"), S_OK);
+  EXPECT_EQ(merger.Update(), S_OK);
+  EXPECT_EQ(engine.System(), "PG 4:1 *PG 2:1 PG 3:1 PG 1:1");
+  EXPECT_EQ(engine.Live(3), last);
+  EXPECT_EQ(engine.Host().cursorDepth, 0);
+}
+
+TEST(MergeManager, UpdateWithoutEditsMakesAndDeletesNothing) {
+  CMergeFixture engine(3);
+  // A gap: the second entry of the copy stands for the second module, which no instrument has.
+  (void)engine.Instruments().DeleteInstrumentAt(1);
+  (void)engine.Instruments().AddInstrumentAt(3, std::make_unique<CInstrument>().release());
+  const CInstrument* last = engine.Live(1);
+  CMergeManager& merger = engine.Merger();
+  ASSERT_EQ(merger.Initialize(&engine.Instruments()), S_OK);
+  (void)merger.SetInstrumentName(1, "Renamed");
+  (void)merger.SetCurrentInst(1);
+  ASSERT_EQ(merger.Update(), S_OK);
+  EXPECT_EQ(engine.System(), "PG 1:1 *Renamed:1 :0");  // the empty entry before the third is gone
+  EXPECT_EQ(engine.Live(1), last);
+}
+
+TEST(MergeManager, UpdateRefusesAndSurvivesWhatIsGone) {
+  CMergeFixture engine(3);
+  CMergeManager fresh;
+  EXPECT_EQ(fresh.Update(), E_FAIL);
+  EXPECT_EQ(fresh.Initialize(nullptr), E_FAIL);
+  CMergeManager& merger = engine.Merger();
+  ASSERT_EQ(engine.Do("m1"), S_OK);
+  {
+    const CBusyMark busy(engine.Instruments());
+    EXPECT_EQ(merger.Update(), E_FAIL);
+  }
+  EXPECT_EQ(engine.System(), "*PG 1:1 PG 2:1 PG 3:1");
+
+  // The next discovery finds one module: entries that need more create nothing.
+  CModuleManager* modules = nullptr;
+  (void)engine.Server().GetModuleManager(&modules);
+  (void)engine.Simulation().SetModules(1);
+  (void)modules->Initialize();
+  EXPECT_EQ(merger.Update(), S_OK);
+  EXPECT_EQ(engine.System(), "");
+}
+
+TEST(MergeManager, TheFrontEndMayDeleteInstrumentsWhileItIsToldOfAName) {
+  CMergeFixture engine(3);
+  CRecordingEventHandler handler;
+  handler.onAny = [&engine] { (void)engine.Instruments().DeleteInstrumentAt(2); };
+  (void)engine.Live(0)->SetEventHandler(&handler);
+  handler.events.clear();
+  for (int i = 0; i < 3; ++i) (void)engine.Merger().SetInstrumentName(i, std::to_string(i));
+  EXPECT_EQ(engine.Merger().Update(), S_OK);
+  EXPECT_EQ(engine.System(), "*0:1 1:1");
+}
+
+TEST(MergeManager, AMergedInstrumentPlaysAsOne) {
+  for (const int modules : {2, 5}) {
+    SCOPED_TRACE(modules);
+    CMergeFixture engine(modules + 1);
+    for (int i = 1; i < modules; ++i) ASSERT_EQ(engine.Merger().Merge(i), S_OK);
+    ASSERT_EQ(engine.Merger().Update(), S_OK);
+    CInstrument& wide = *engine.Live(0);
+    (void)engine.Live(1)->EnableInstrument(0);
+    const int channels = 64 * modules;
+    ASSERT_EQ(wide.CreateTestData(TestDataType::WalkingOnes), S_OK);
+    CMemorySink sink;
+    engine.Simulation().AddVectorSink(&sink);
+    ASSERT_EQ(engine.Server().Compile(), S_OK);
+    ASSERT_EQ(engine.Server().Download(), S_OK);
+    ASSERT_EQ(engine.Server().Run(), S_OK);
+    PlayEnd end = PlayEnd::Idle;
+    ASSERT_EQ(engine.Simulation().PlayUntilIdle(channels, end), S_OK);
+    for (int module = 0; module < modules; ++module) {
+      std::vector<std::uint64_t> expected(static_cast<std::size_t>(channels));
+      for (int bit = 0; bit < 64; ++bit) {
+        expected[static_cast<std::size_t>(64 * module + bit)] = std::uint64_t{1} << bit;
+      }
+      EXPECT_EQ(sink.Levels(module), expected) << "module " << module;
+    }
+    EXPECT_TRUE(sink.Levels(modules).empty());
+    engine.Simulation().RemoveVectorSink(&sink);
+  }
+}
+
+}  // namespace
+}  // namespace quillpg

@@ -1,0 +1,215 @@
+#include "hardware/simulation/memory_sink.h"
+#include "instrument/instrument.h"
+#include "program/block_manager.h"
+#include "program/event_manager.h"
+#include "program/sequence_manager.h"
+#include "program/subsequence_manager.h"
+#include "quillpg/app_server.h"
+#include "support/instrument_fixture.h"
+#include "support/program_builder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
+namespace quillpg {
+namespace {
+
+using Words = std::vector<std::uint64_t>;
+
+BLOCK& BlockAt(CInstrumentFixture& engine, int index) {
+  BLOCK* block = nullptr;
+  (void)engine.Blocks().GetBlock(index, &block);
+  return *block;
+}
+
+// The counts of all five lists.
+struct COUNTS {
+  explicit COUNTS(CInstrumentFixture& engine) {
+    (void)engine.Blocks().GetNoOfBlocks(blocks);
+    (void)engine.Sequence().GetNoOfSequenceLines(lines);
+    (void)engine.SubSequences().GetNoOfSubSequences(subSequences);
+    (void)engine.Events().GetNoOfEvents(events);
+  }
+  COUNTS(int blockCount, int lineCount, int subSequenceCount, int eventCount)
+      : blocks(blockCount), lines(lineCount), subSequences(subSequenceCount), events(eventCount) {}
+  bool operator==(const COUNTS&) const = default;
+
+  int blocks = 0;
+  int lines = 0;
+  int subSequences = 0;
+  int events = 0;
+};
+
+// Compiles, downloads and plays; what `module` drove.
+Words Play(CInstrumentFixture& engine, int module, std::int64_t limit, PlayEnd expected) {
+  CMemorySink sink;
+  engine.Simulation().AddVectorSink(&sink);
+  EXPECT_EQ(engine.Server().Compile(), S_OK);
+  EXPECT_EQ(engine.Server().Download(), S_OK);
+  EXPECT_EQ(engine.Server().Run(), S_OK);
+  PlayEnd end = PlayEnd::Waiting;
+  EXPECT_EQ(engine.Simulation().PlayUntilIdle(limit, end), S_OK);
+  EXPECT_EQ(end, expected);
+  engine.Simulation().RemoveVectorSink(&sink);
+  return sink.Levels(module);
+}
+
+// Equal neighbours as one.
+Words Steps(Words words) {
+  words.erase(std::ranges::unique(words).begin(), words.end());
+  return words;
+}
+
+Words Numbers(int count) {
+  Words numbers(static_cast<std::size_t>(count));
+  std::iota(numbers.begin(), numbers.end(), 0U);
+  return numbers;
+}
+
+TEST(TestData, WalkingOnesReachEveryChannel) {
+  struct ROW {
+    int modules;
+    ChannelMode mode;
+    bool compiles;
+  };
+  // In HALF mode one and two modules have fewer channels than the smallest block has vectors.
+  const ROW rows[] = {{1, ChannelMode::Full, true},
+                      {5, ChannelMode::Full, true},
+                      {1, ChannelMode::Half, false},
+                      {2, ChannelMode::Half, false},
+                      {3, ChannelMode::Half, true}};
+  for (const ROW& row : rows) {
+    SCOPED_TRACE(testing::Message() << row.modules << " modules");
+    CInstrumentFixture engine(row.modules);
+    (void)engine.Instrument().SetChannelMode(row.mode);
+    engine.Handler().events.clear();
+    ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::WalkingOnes), S_OK);
+    const int perModule = row.mode == ChannelMode::Full ? 64 : 32;
+    const int channels = perModule * row.modules;
+    EXPECT_EQ(BlockAt(engine, 0).GetBlockSize(), channels);
+    EXPECT_EQ(engine.Handler().Take(), std::vector<std::string>{"OnBlockResized(Block,0)"});
+    EXPECT_EQ(engine.Host().cursorDepth, 0);
+    if (!row.compiles) {
+      EXPECT_EQ(engine.Server().Compile(), E_FAIL);
+      continue;
+    }
+    const Words played = Play(engine, row.modules - 1, 2 * channels, PlayEnd::Limit);
+    ASSERT_EQ(played.size(), static_cast<std::size_t>(2 * channels));
+    for (int i = 0; i < 2 * channels; ++i) {
+      const int walker = i % channels - perModule * (row.modules - 1);
+      EXPECT_EQ(played[static_cast<std::size_t>(i)], walker < 0 ? 0 : std::uint64_t{1} << walker);
+    }
+  }
+}
+
+TEST(TestData, ProgramsCompileAndPlay) {
+  struct ROW {
+    TestDataType type;
+    COUNTS counts;
+    Words steps;
+    std::size_t vectorsFull;  // played in FULL mode, twice as many in HALF mode
+  };
+  Words subSequences;
+  for (int i = 0; i < 50; ++i) {
+    const Words one = Numbers(80);
+    subSequences.insert(subSequences.end(), one.begin(), one.end());
+  }
+  const ROW rows[] = {
+      {TestDataType::MaxSubSequences, {80, 50, 50, 1}, subSequences, 50 * 80 * 40},
+      {TestDataType::MaxEvents, {8, 8, 1, 8}, Numbers(8), 8 * 40},
+      {TestDataType::MaxSequenceLines, {4000, 4000, 1, 1}, Numbers(4000), 4000 * 40},
+  };
+  for (const ROW& row : rows) {
+    for (const ChannelMode mode : {ChannelMode::Full, ChannelMode::Half}) {
+      SCOPED_TRACE(testing::Message() << GetDisplayText(row.type) << ", " << GetDisplayText(mode));
+      CInstrumentFixture engine(2);
+      (void)engine.Instrument().SetChannelMode(mode);
+      CProgramBuilder(engine.Instrument())
+          .Sub("Kept", {{"Block0", 1}})
+          .Event("Kept", {"000000000"})
+          .Line({.output = "Kept"});
+      ASSERT_EQ(engine.Instrument().CreateTestData(row.type), S_OK);
+      EXPECT_EQ(COUNTS(engine), row.counts);
+      const Words played = Play(engine, 0, 1000000, PlayEnd::Idle);
+      EXPECT_TRUE(Steps(played) == row.steps);
+      EXPECT_EQ(played.size(), row.vectorsFull * (mode == ChannelMode::Half ? 2 : 1));
+    }
+  }
+}
+
+TEST(TestData, TheLargestBlockCountsItsVectors) {
+  CInstrumentFixture engine(2);
+  ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::MaxBlockSize), S_OK);
+  const Words played = Play(engine, 0, 262150, PlayEnd::Limit);
+  Words expected = Numbers(262140);
+  for (std::uint64_t i = 0; i < 10; ++i) expected.push_back(i);
+  EXPECT_TRUE(played == expected);
+}
+
+TEST(TestData, CellsAreBlocksAlone) {
+  for (const auto& [mode, count, smallest] :
+       {std::tuple(ChannelMode::Full, 4, 40), std::tuple(ChannelMode::Half, 8, 80)}) {
+    CInstrumentFixture engine;
+    (void)engine.Instrument().SetChannelMode(mode);
+    CProgramBuilder(engine.Instrument()).Block("Old").Sub("s", {}).Event("e", {}).Line({"Block3"});
+    ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::Cell), S_OK);
+    EXPECT_EQ(COUNTS(engine), COUNTS(count, 1, 1, 1));
+    BLOCK& last = BlockAt(engine, count - 1);
+    EXPECT_EQ(last.GetBlockName(), "Block" + std::to_string(count - 1));
+    EXPECT_EQ(last.GetBlockSize(), smallest + count - 1);
+    EXPECT_EQ(last.Data()[last.RowBytes() * 39], 39);
+    EXPECT_EQ(last.Data()[last.RowBytes() * 39 + 1], 0);
+  }
+}
+
+TEST(TestData, TheMostBlocksExceedTheMemory) {
+  for (const auto& [mode, size] :
+       {std::pair(ChannelMode::Full, 250), std::pair(ChannelMode::Half, 496)}) {
+    CInstrumentFixture engine;
+    (void)engine.Instrument().SetChannelMode(mode);
+    ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::MaxBlocks), S_OK);
+    EXPECT_EQ(COUNTS(engine), COUNTS(4000, 4000, 0, 0));
+    BLOCK& last = BlockAt(engine, 3999);
+    EXPECT_EQ(last.GetBlockSize(), size);
+    const std::uint8_t* row = last.Data() + last.RowBytes() * static_cast<std::size_t>(size - 1);
+    EXPECT_EQ(row[0] | row[1] << 8 | row[2] << 16, 3999);
+    SEQUENCE_LINE* line = nullptr;
+    (void)engine.Sequence().GetSequenceLine(3999, &line);
+    EXPECT_EQ(line->GetLabel() + line->GetOutput(), "Line3999Block3999");
+    EXPECT_EQ(engine.Server().Compile(), E_FAIL);
+  }
+}
+
+TEST(TestData, EventRowsAreBinaryNumbers) {
+  CInstrumentFixture engine;
+  ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::MaxEvents), S_OK);
+  EVENT* event = nullptr;
+  (void)engine.Events().GetEvent(7, &event);
+  EXPECT_EQ(event->GetEventName(), "Event7");
+  ASSERT_EQ(event->GetNoOfEventDefinitions(), 256);
+  for (const auto& [row, pattern] : {std::pair(0, "000000000"), std::pair(1, "000000001"),
+                                     std::pair(128, "010000000"), std::pair(250, "011111010")}) {
+    EVENT_DEFINITION* definition = nullptr;
+    (void)event->GetEventDefinition(row, &definition);
+    EXPECT_EQ(definition->Pattern(), pattern);
+  }
+}
+
+TEST(TestData, RefusesWithoutTouchingTheProgram) {
+  CInstrumentFixture engine;
+  for (const int type : {-1, 7, 8}) {
+    EXPECT_EQ(engine.Instrument().CreateTestData(static_cast<TestDataType>(type)), S_OK);
+  }
+  EXPECT_EQ(COUNTS(engine), COUNTS(1, 1, 0, 0));
+  EXPECT_EQ(engine.Host().cursorsShown, 0);
+  (void)engine.Instrument().RemoveModuleAt(0);
+  EXPECT_EQ(engine.Instrument().CreateTestData(TestDataType::MaxEvents), E_FAIL);
+  EXPECT_EQ(engine.Instrument().CreateTestData(TestDataType::DownloadOptimization), S_OK);
+  EXPECT_EQ(COUNTS(engine), COUNTS(1, 1, 0, 0));
+}
+
+}  // namespace
+}  // namespace quillpg
