@@ -4,6 +4,7 @@
 //   group text cell values of a grid over the conversion channel by channel
 //   vcd        played vectors to VCD text over a stream written bit by bit
 //   play       10,000,000 played vectors over memcpy
+//   lfsr       pseudo-random bits and fills over one step and one bit at a time
 // Options are Google Benchmark's, for example --benchmark_filter=packing.
 
 #include <benchmark/benchmark.h>
@@ -17,6 +18,7 @@ void RegisterGroupTextBenches();
 void RegisterVcdBenches();
 void RegisterPackingBenches();
 void RegisterPlayBenches();
+void RegisterShiftRegisterBenches();
 }  // namespace quillpg::bench
 
 int main(int argc, char** argv) {
@@ -28,5 +30,6 @@ int main(int argc, char** argv) {
   quillpg::bench::RegisterVcdBenches();
   quillpg::bench::RegisterPackingBenches();
   quillpg::bench::RegisterPlayBenches();
+  quillpg::bench::RegisterShiftRegisterBenches();
   return quillpg::bench::RunAndPrintRatios();
 }
