@@ -172,8 +172,10 @@ class QUILLPG_API CAppServer {
   /// Hands `text` to the router's status line, if there is a router; empty clears the line.
   void SetStatusMessage(const std::string& text);
 
-  /// Pastes what `info` describes. E_FAIL without information or source; a source without a target
-  /// marks the clipboard as holding nothing first.
+  /// Pastes what `info` describes. E_FAIL, with nothing changed, without information or source (a
+  /// source without a target marks the clipboard as holding nothing first), for a range outside the
+  /// source, a target without room, and, after telling the user, for what does not fit or is
+  /// missing; PG_E_ABORTED when the user declines. A name that is in use becomes a free one.
   Status Paste(CClipboardInfo* info);
 
  private:
@@ -188,6 +190,7 @@ class QUILLPG_API CAppServer {
   /// existing server.
   static void ReleaseModules(const CModuleManager& owner);
 
+  Status PasteContent(CClipboardInfo* info);
   Status PasteBlock(CClipboardInfo* info);
   Status PasteEvent(CClipboardInfo* info);
   Status PasteEventDef(CClipboardInfo* info);

@@ -1,5 +1,6 @@
 // The root's paste: what the clipboard holds decides who carries it out.
 
+#include "base/guard.h"
 #include "program/clipboard_info.h"
 #include "quillpg/app_server.h"
 #include "quillpg/host_services.h"
@@ -13,6 +14,10 @@ Status CAppServer::Paste(CClipboardInfo* info) {
     info->contentType = ContentType::None;
     return E_FAIL;
   }
+  return GuardAllocation([&] { return PasteContent(info); });
+}
+
+Status CAppServer::PasteContent(CClipboardInfo* info) {
   switch (info->contentType) {
     case ContentType::Block:
       return PasteBlock(info);
@@ -37,42 +42,6 @@ Status CAppServer::Paste(CClipboardInfo* info) {
     default:
       return E_FAIL;
   }
-}
-
-Status CAppServer::PasteBlock(CClipboardInfo* /*info*/) {
-  return E_FAIL;  // Not built yet.
-}
-
-Status CAppServer::PasteEvent(CClipboardInfo* /*info*/) {
-  return E_FAIL;  // Not built yet.
-}
-
-Status CAppServer::PasteEventDef(CClipboardInfo* /*info*/) {
-  return E_FAIL;  // Not built yet.
-}
-
-Status CAppServer::PasteSeq(CClipboardInfo* /*info*/) {
-  return E_FAIL;  // Not built yet.
-}
-
-Status CAppServer::PasteSubSeq(CClipboardInfo* /*info*/) {
-  return E_FAIL;  // Not built yet.
-}
-
-Status CAppServer::PasteSubSeqDef(CClipboardInfo* /*info*/) {
-  return E_FAIL;  // Not built yet.
-}
-
-Status CAppServer::PasteRows(CClipboardInfo* /*info*/) {
-  return E_FAIL;  // Not built yet.
-}
-
-Status CAppServer::PasteColumn(CClipboardInfo* /*info*/) {
-  return E_FAIL;  // Not built yet.
-}
-
-Status CAppServer::PasteChannelCol(CClipboardInfo* /*info*/) {
-  return E_FAIL;  // Not built yet.
 }
 
 }  // namespace quillpg
