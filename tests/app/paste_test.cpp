@@ -1,0 +1,469 @@
+#include "base/text.h"
+#include "instrument/instrument.h"
+#include "instrument/instrument_manager.h"
+#include "program/block_manager.h"
+#include "program/clipboard_info.h"
+#include "program/event_manager.h"
+#include "program/group_manager.h"
+#include "program/program_view.h"
+#include "program/sequence_manager.h"
+#include "program/subsequence_manager.h"
+#include "program/waveform_manager.h"
+#include "quillpg/app_server.h"
+#include "quillpg/grid_window.h"
+#include "support/instrument_fixture.h"
+#include "support/program_builder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quillpg {
+namespace {
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+class CGrid : public CSorrelGridWnd {
+ public:
+  void GetInstrument(CInstrument** shown) override { *shown = instrument; }
+  CInstrument* instrument = nullptr;
+};
+
+// Two instruments of one module each; whatever is pasted goes from A to B unless a test says
+// otherwise.
+class Paste : public testing::Test, public CEngineFixture {
+ protected:
+  Paste() : CEngineFixture(2) {
+    (void)Server().DefaultSystem();
+    (void)Server().SetDefaultChannelValue('\0');
+    m_source.instrument = &A();
+    m_target.instrument = &B();
+    (void)B().SetEventHandler(&m_handler);
+    (void)info.SetSourceWnd(&m_source);
+    (void)info.SetTargetWnd(&m_target);
+  }
+  ~Paste() override { (void)Instruments().DeleteAll(); }
+
+  CInstrument& InstrumentAt(int position) {
+    CInstrument* instrument = nullptr;
+    (void)Instruments().GetInstrumentAt(position, &instrument);
+    return *instrument;
+  }
+  CInstrument& A() { return InstrumentAt(0); }
+  CInstrument& B() { return InstrumentAt(1); }
+  CGroupManager& GroupsOf(CInstrument& instrument) {
+    CGroupManager* groups = nullptr;
+    (void)instrument.GetGroupManager(&groups);
+    return *groups;
+  }
+
+  void Copy(ContentType type, int first, int last) {
+    info.contentType = type;
+    info.sourceFirst = first;
+    info.sourceLast = last;
+  }
+  Status Run(ContentType type, int first, int last) {
+    Copy(type, first, last);
+    return Server().Paste(&info);
+  }
+  // The names of one list; its items are held apart by blanks.
+  std::string Show(CInstrument& instrument, ContentType type) {
+    const CProgramView program(instrument);
+    std::string text;
+    const auto add = [&text](std::string_view name) { text += std::string(name) + ' '; };
+    if (type == ContentType::Block) {
+      for (int i = 0; i < program.BlockCount(); ++i) add(NameOf(*program.BlockAt(i)));
+    } else if (type == ContentType::Event) {
+      for (int i = 0; i < program.EventCount(); ++i) add(NameOf(*program.EventAt(i)));
+    } else if (type == ContentType::SequenceLine) {
+      for (int i = 0; i < program.LineCount(); ++i) add(NameOf(*program.LineAt(i)));
+    } else if (type == ContentType::SubSequence) {
+      for (int i = 0; i < program.SubSequenceCount(); ++i) add(NameOf(*program.SubSequenceAt(i)));
+    } else if (type == ContentType::EventDef) {
+      const EVENT& event = *program.EventAt(0);
+      EVENT_DEFINITION* row = nullptr;
+      for (int i = 0; event.GetEventDefinition(i, &row) == S_OK; ++i) add(row->Pattern());
+    } else {
+      const SUBSEQUENCE& item = *program.SubSequenceAt(0);
+      SUBSEQUENCE_LINE* line = nullptr;
+      for (int i = 0; item.GetSubSequenceLine(i, &line) == S_OK; ++i) add(line->GetOutput());
+    }
+    return text;
+  }
+  // Everything that a refused paste might have touched.
+  std::string Everything() {
+    std::string text;
+    for (const int type : {3, 4, 5, 6, 7, 8}) text += Show(B(), static_cast<ContentType>(type));
+    return text + Values(B(), 0, 0, 4) + Values(B(), 1, 0, 4);
+  }
+  // Hexadecimal values of a group in the first block.
+  std::string Values(CInstrument& instrument, int group, int first, int count) {
+    std::string text;
+    std::string name;
+    (void)GroupsOf(instrument).GetGroupName(group, name);
+    for (int i = first; i < first + count; ++i) {
+      std::string value;
+      (void)instrument.GetGroupData(name, 0, i, Radix::Hex, value);
+      text += value + ' ';
+    }
+    return text;
+  }
+  // A group of `channels` neighbouring channels from `first` on.
+  void Group(CInstrument& instrument, const std::string& name, int first, int channels) {
+    (void)GroupsOf(instrument).AddGroup(name);
+    for (int i = channels; i-- > 0;) (void)instrument.AddChannelToGroup(name, first + i, -1);
+  }
+  void Write(const std::string& group, const std::vector<std::string>& values) {
+    int vector = 0;
+    for (const std::string& value : values) {
+      (void)A().SetGroupData(group, 0, vector++, Radix::Hex, value);
+    }
+  }
+  void ClearModified() {
+    CBlockManager* blocks = CProgramView(B()).Blocks();
+    (void)blocks->SetModified(0);
+    for (int i = 0; i < CProgramView(B()).BlockCount(); ++i) {
+      (void)CProgramView(B()).BlockAt(i)->SetChanged(0);
+    }
+  }
+
+  CRecordingEventHandler m_handler;
+  CGrid m_source;
+  CGrid m_target;
+  CClipboardInfo info;
+};
+
+// --- lists ---
+
+void FillLists(CInstrument& instrument, bool source) {
+  CProgramBuilder build(instrument);
+  if (source) {
+    build.Block("a").Block("b").Block("c").Line({"a", 1, "x"}).Line({"b", 2}).Line({"c", 3, "y"});
+    build.Sub("s", {{"a", 1}, {"b", 2}, {"c", 3}}).Sub("t", {}).Sub("u", {});
+    build.Event("e", {"100000000", "110000000", "111000000"}).Event("f", {}).Event("g", {});
+  } else {
+    build.Block("B").Block("U").Line({"B", 1, "X"}).Line({"U", 2, "Line1"});
+    build.Sub("C", {{"B", 1}}).Sub("T", {}).Event("F", {"000000000"}).Event("event1", {});
+  }
+}
+
+TEST_F(Paste, PutsObjectsIntoLists) {
+  struct ROW {
+    ContentType type;
+    int first, last, insert, at;
+    const char* list;
+    const char* notified;  // how each notification begins
+  };
+  const ROW rows[] = {
+      // a block's name must be free among blocks and subsequences
+      {ContentType::Block, 0, 2, 1, 0, "a Block1 Block2 B U ", "OnBlockListChanged("},
+      {ContentType::Block, 0, 0, 1, 2, "B U a ", "OnBlockListChanged(a,2,0)"},
+      {ContentType::Block, 0, 0, 0, 0, "B U a ", "OnBlockListChanged(a,2,0)"},  // appends
+      {ContentType::Block, 0, 0, 1, 3, "B U a ", "OnBlockListChanged(a,2,0)"},
+      {ContentType::Block, 0, 0, 1, -1, "B U a ", "OnBlockListChanged(a,2,0)"},
+      {ContentType::Event, 0, 2, 1, 1, "F e Event2 g event1 ", "OnEventListChanged()"},
+      {ContentType::SequenceLine, 0, 2, 1, 1, "X Line2  y Line1 ", ""},  // an empty label stays
+      {ContentType::SubSequence, 0, 2, 1, 1, "C s SubSeq1 SubSeq2 T ", ""},
+      {ContentType::EventDef, 1, 2, 1, 0, "110000000 111000000 000000000 ", ""},
+      {ContentType::SubSequenceDef, 0, 1, 0, 0, "B a b ", ""},
+  };
+  for (const ROW& row : rows) {
+    SCOPED_TRACE(FormatText("%d %d-%d %d %d",
+                            {static_cast<int>(row.type), row.first, row.last, row.insert, row.at}));
+    FillLists(A(), true);
+    FillLists(B(), false);
+    const std::string source = Show(A(), row.type);
+    m_handler.events.clear();
+    info.insert = row.insert;
+    info.targetFirst = row.at;
+    EXPECT_EQ(Run(row.type, row.first, row.last), S_OK);
+    EXPECT_EQ(Show(B(), row.type), row.list);
+    EXPECT_EQ(Show(A(), row.type), source);
+    const bool silent = row.notified[0] == '\0';
+    EXPECT_THAT(m_handler.events,
+                SizeIs(silent ? 0u : static_cast<std::size_t>(row.last - row.first + 1)));
+    EXPECT_THAT(m_handler.Take(), Each(StartsWith(row.notified)));
+  }
+  EXPECT_THAT(Host().boxes, IsEmpty());
+  EXPECT_EQ(Host().cursorDepth, 0);
+}
+
+// Source and target are one list: the copies are those of the list as it was.
+TEST_F(Paste, CopiesAListIntoItself) {
+  m_target.instrument = &A();
+  info.targetFirst = 1;
+  const std::pair<ContentType, const char*> rows[] = {
+      {ContentType::Block, "a Block1 Block2 Block3 b c "},
+      {ContentType::Event, "e Event1 Event2 Event3 f g "},
+      {ContentType::SequenceLine, "x Line1  Line2  y "},
+      {ContentType::SubSequence, "s SubSeq1 SubSeq2 SubSeq3 t u "},
+      {ContentType::EventDef, "100000000 100000000 110000000 111000000 110000000 111000000 "},
+      {ContentType::SubSequenceDef, "a a b c b c "}};
+  for (const auto& [type, list] : rows) {
+    SCOPED_TRACE(static_cast<int>(type));
+    FillLists(A(), true);
+    EXPECT_EQ(Run(type, 0, 2), S_OK);
+    EXPECT_EQ(Show(A(), type), list);
+  }
+}
+
+TEST_F(Paste, TakesTheWholeObjectAlong) {
+  FillLists(A(), true);
+  FillLists(B(), false);
+  info.insert = 0;
+  CProgramView a(A());
+  CProgramView b(B());
+  (void)A().SetGroupData("UserGrp1", 1, 39, Radix::Hex, "BEEF");
+  (void)GroupsOf(B()).SetGroupName(1, "Other");
+  (void)a.Blocks()->SetReferencePos(1, 7, 1);
+  for (const int flag : {0, 1}) (void)a.Sequence()->SetModified(flag);
+  (void)a.LineAt(2)->SetModified(0);
+  ASSERT_EQ(Run(ContentType::Block, 1, 1), S_OK);
+  BLOCK& block = *b.BlockAt(2);
+  EXPECT_EQ(block.GetBlockName(), "Block1");
+  EXPECT_TRUE(block.IsChanged());
+  std::string text;
+  (void)B().GetGroupData("UserGrp1", 2, 39, Radix::Hex, text);
+  EXPECT_EQ(text, "BEEF");
+  int position = 0;
+  (void)b.Blocks()->GetReferencePos(2, position, 1);
+  EXPECT_EQ(position, 7);
+  GROUP_STATE* state = nullptr;
+  EXPECT_FALSE(block.GetGroupState("UserGrp2", &state));  // the target's groups, not the source's
+  EXPECT_TRUE(block.GetGroupState("Other", &state));
+  EXPECT_EQ(block.GetWaveformManager()->IsWaveformExists("Other", WaveType::Group), S_OK);
+  ASSERT_EQ(Run(ContentType::SequenceLine, 2, 2), S_OK);
+  EXPECT_EQ(b.LineAt(2)->GetRepeatCount(), 3);
+  EXPECT_EQ(b.LineAt(2)->GetOutput(), "c");
+  EXPECT_TRUE(b.LineAt(2)->IsModified());
+  ASSERT_EQ(Run(ContentType::SubSequence, 0, 0), S_OK);
+  EXPECT_EQ(b.SubSequenceAt(2)->GetNoOfSubSequenceLines(), 3);
+  ASSERT_EQ(Run(ContentType::Event, 0, 0), S_OK);
+  EXPECT_EQ(b.EventAt(2)->GetNoOfEventDefinitions(), 3);
+}
+
+TEST_F(Paste, RefusesWithNothingChanged) {
+  FillLists(A(), true);
+  FillLists(B(), false);
+  for (CInstrument* instrument : {&A(), &B()}) {
+    (void)GroupsOf(*instrument).DeleteAll();
+    Group(*instrument, "Data", 0, 8);
+    Group(*instrument, "Bus", 8, 4);
+  }
+  struct ROW {
+    const char* what;
+    int type, first, last, firstColumn, lastColumn, at, atColumn, sourceItem, targetItem;
+    bool notice;
+  };
+  const ROW rows[] = {
+      {"range", 3, -1, 0, 0, 0, 0, 0, 0, 0, false},
+      {"range", 3, 1, 0, 0, 0, 0, 0, 0, 0, false},
+      {"range", 3, 0, 3, 0, 0, 0, 0, 0, 0, false},
+      {"range", 4, 0, 3, 0, 0, 0, 0, 0, 0, false},
+      {"range", 5, 0, 3, 0, 0, 0, 0, 0, 0, false},
+      {"range", 6, 2, 2147483647, 0, 0, 0, 0, 0, 0, false},
+      {"range", 7, -2147483647, 2, 0, 0, 0, 0, 0, 0, false},
+      {"range", 8, 3, 3, 0, 0, 0, 0, 0, 0, false},
+      {"item", 5, 0, 0, 0, 0, 0, 0, 3, 0, true},
+      {"item", 5, 0, 0, 0, 0, 0, 0, 0, 2, true},
+      {"item", 8, 0, 0, 0, 0, 0, 0, -1, 0, true},
+      {"item", 9, 0, 0, 0, 0, 0, 0, 3, 0, true},
+      {"item", 11, 0, 0, 0, 0, 0, 0, 0, -1, true},
+      {"vectors", 9, 0, 40, 0, 0, 0, 0, 0, 0, false},
+      {"vectors", 9, 39, 38, 0, 0, 0, 0, 0, 0, false},
+      {"target", 9, 0, 0, 0, 0, 40, 0, 0, 0, false},
+      {"target", 13, 0, 0, 0, 0, -2147483647, 0, 0, 0, false},
+      {"columns", 10, 0, 0, 1, 2, 0, 0, 0, 0, false},
+      {"columns", 12, 0, 0, -1, 0, 0, 0, 0, 0, false},
+      {"columns", 10, 0, 0, 0, 0, 0, 2, 0, 0, false},
+      {"columns", 11, 0, 0, 60, 64, 0, 0, 0, 0, false},
+      {"columns", 13, 0, 0, 0, 0, 0, 64, 0, 0, false},
+      {"columns", 13, 0, 0, 0, 0, 0, -2147483647, 0, 0, false},
+      {"type", 2, 0, 0, 0, 0, 0, 0, 0, 0, false},
+  };
+  m_handler.events.clear();
+  const std::string before = Everything();
+  ClearModified();
+  for (const ROW& row : rows) {
+    SCOPED_TRACE(FormatText("%s %d %d-%d", {row.what, row.type, row.first, row.last}));
+    Host().boxes.clear();
+    info.sourceFirstColumn = row.firstColumn;
+    info.sourceLastColumn = row.lastColumn;
+    info.targetFirst = row.at;
+    info.targetFirstColumn = row.atColumn;
+    info.sourceItem = row.sourceItem;
+    info.targetItem = row.targetItem;
+    EXPECT_EQ(Run(static_cast<ContentType>(row.type), row.first, row.last), E_FAIL);
+    EXPECT_THAT(Host().boxes, SizeIs(row.notice ? 1u : 0u));
+  }
+  EXPECT_EQ(Everything(), before);
+  EXPECT_THAT(m_handler.events, IsEmpty());
+  EXPECT_EQ(CProgramView(B()).Blocks()->IsModified(), 0);
+  // Grids that show nothing, and one that has outlived its instrument.
+  CInstrument gone;
+  for (CInstrument* shown : {static_cast<CInstrument*>(nullptr), &gone}) {
+    Host().boxes.clear();
+    m_source.instrument = shown;
+    EXPECT_EQ(Run(ContentType::Block, 0, 0), E_FAIL);
+    EXPECT_THAT(Host().BoxTexts(), ElementsAre(StartsWith("Internal Application error")));
+  }
+}
+
+TEST_F(Paste, RefusesWhatDoesNotFitAsAWhole) {
+  FillLists(A(), true);
+  CProgramBuilder build(B());
+  for (int i = 0; i < 6; ++i) build.Event(FormatText("E%d", {i}), {});
+  for (int i = 0; i < 3998; ++i) build.Line({"x"});
+  EXPECT_EQ(Run(ContentType::Event, 0, 2), E_FAIL);
+  EXPECT_EQ(CProgramView(B()).EventCount(), 6);
+  EXPECT_EQ(Run(ContentType::Event, 0, 1), S_OK);
+  EXPECT_EQ(Run(ContentType::SequenceLine, 0, 2), E_FAIL);
+  EXPECT_EQ(CProgramView(B()).LineCount(), 3998);
+  EXPECT_EQ(Run(ContentType::SequenceLine, 1, 2), S_OK);
+  (void)CProgramView(A()).BlockAt(1)->ResizeBlock(39, 0);  // below every instrument's minimum
+  EXPECT_EQ(Run(ContentType::Block, 0, 2), E_FAIL);
+  EXPECT_EQ(CProgramView(B()).BlockCount(), 0);
+  EXPECT_EQ(Run(ContentType::Block, 2, 2), S_OK);
+  EXPECT_THAT(Host().boxes, IsEmpty());
+}
+
+TEST_F(Paste, RefusesBlocksBetweenUnlikeInstruments) {
+  CModule* module = nullptr;
+  (void)A().GetModuleAt(0, &module);
+  (void)B().AddModule(module);
+  EXPECT_EQ(Run(ContentType::Block, 0, 0), E_FAIL);
+  ASSERT_EQ(B().SetChannelMode(ChannelMode::Half), S_OK);
+  EXPECT_EQ(Run(ContentType::Block, 0, 0), E_FAIL);  // told first of the two
+  EXPECT_THAT(Host().BoxTexts(), ElementsAre(StartsWith("The number of merged modules"),
+                                             StartsWith("Channel mode mismatch.")));
+  EXPECT_EQ(Host().boxes[0].style, BOX_OK);
+  EXPECT_EQ(CProgramView(B()).BlockCount(), 1);
+}
+
+// --- pattern data ---
+
+// Groups of 8 and 12 channels, four vectors of data in A.
+class PasteData : public Paste {
+ protected:
+  PasteData() {
+    for (CInstrument* instrument : {&A(), &B()}) {
+      (void)GroupsOf(*instrument).DeleteAll();
+      CProgramBuilder(*instrument).Block("a", 40).Block("b", 40);
+    }
+    Group(A(), "Lo", 0, 8);
+    Group(A(), "Hi", 20, 12);
+    Write("Lo", {"11", "22", "33", "44"});
+    Write("Hi", {"F01", "F02", "F03", "F04"});
+    m_handler.events.clear();
+    info.targetFirst = 1;
+    ClearModified();
+  }
+};
+
+TEST_F(PasteData, WritesRowsOfAllGroups) {
+  Group(B(), "One", 40, 8);
+  Group(B(), "Two", 0, 12);
+  EXPECT_EQ(Run(ContentType::Rows, 1, 2), S_OK);
+  EXPECT_EQ(Values(B(), 0, 0, 4), "00 22 33 00 ");
+  EXPECT_EQ(Values(B(), 1, 0, 4), "000 F02 F03 000 ");
+  EXPECT_THAT(m_handler.Take(), ElementsAre("OnPatternDataChanged(0)"));
+  EXPECT_EQ(CProgramView(B()).Blocks()->IsModified(), 1);
+  EXPECT_TRUE(CProgramView(B()).BlockAt(0)->IsChanged());
+  EXPECT_FALSE(CProgramView(B()).BlockAt(1)->IsChanged());
+  info.targetFirst = 38;
+  EXPECT_EQ(Run(ContentType::Rows, 0, 39), S_OK);  // cut at the target's end
+  EXPECT_EQ(Values(B(), 0, 36, 4), "00 00 11 22 ");
+  EXPECT_THAT(Host().boxes, IsEmpty());
+}
+
+TEST_F(PasteData, ReadsOverlappingRowsFirst) {
+  m_target.instrument = &A();
+  EXPECT_EQ(Run(ContentType::Rows, 0, 3), S_OK);
+  EXPECT_EQ(Values(A(), 0, 0, 6), "11 11 22 33 44 00 ");
+  info.targetFirst = 0;
+  EXPECT_EQ(Run(ContentType::Rows, 2, 5), S_OK);
+  EXPECT_EQ(Values(A(), 1, 0, 6), "F02 F03 F04 000 F04 000 ");
+}
+
+TEST_F(PasteData, AsksBeforeSizesDiffer) {
+  Group(B(), "One", 40, 4);
+  Group(B(), "Two", 0, 16);
+  (void)B().SetGroupData("Two", 0, 1, Radix::Hex, "FFFF");
+  ClearModified();
+  Host().answers = {ANSWER_NO};
+  EXPECT_EQ(Run(ContentType::Rows, 0, 0), PG_E_ABORTED);
+  EXPECT_EQ(Values(B(), 0, 1, 1), "0 ");
+  EXPECT_EQ(CProgramView(B()).Blocks()->IsModified(), 0);
+  EXPECT_THAT(m_handler.events, IsEmpty());
+  Host().answers = {ANSWER_YES};
+  EXPECT_EQ(Run(ContentType::Rows, 0, 0), S_OK);
+  EXPECT_EQ(Values(B(), 0, 1, 1), "1 ");     // the last channels meet
+  EXPECT_EQ(Values(B(), 1, 1, 1), "0F01 ");  // and those without counterpart are cleared
+  EXPECT_THAT(Host().BoxTexts(), Each(StartsWith("Group size mismatch.")));
+  ASSERT_THAT(Host().boxes, SizeIs(2));
+  EXPECT_EQ(Host().boxes[0].style, BOX_YESNO);
+  EXPECT_EQ(Host().boxes[0].defaultAnswer, ANSWER_YES);
+  Host().boxes.clear();
+  Group(B(), "Three", 50, 1);
+  EXPECT_EQ(Run(ContentType::Rows, 0, 0), E_FAIL);
+  EXPECT_THAT(Host().BoxTexts(), ElementsAre(StartsWith("The number of columns are different")));
+}
+
+TEST_F(PasteData, WritesColumnsAfterAllQuestions) {
+  Group(B(), "Same", 32, 8);
+  Group(B(), "Wide", 40, 16);
+  Group(B(), "Slim", 0, 4);
+  info.sourceFirstColumn = 0;
+  info.sourceLastColumn = 1;
+  info.targetFirstColumn = 1;
+  Host().answers = {ANSWER_YES, ANSWER_NO};
+  EXPECT_EQ(Run(ContentType::GroupColumn, 0, 1), PG_E_ABORTED);
+  EXPECT_THAT(
+      Host().BoxTexts(),
+      ElementsAre("The group size of Lo and Wide are different. Do you want to proceed anyway ?",
+                  "The group size of Hi and Slim are different. Do you want to proceed anyway ?"));
+  EXPECT_EQ(Values(B(), 1, 0, 4), "0000 0000 0000 0000 ");
+  EXPECT_EQ(Run(ContentType::GroupColumn, 0, 1), S_OK);
+  EXPECT_EQ(Values(B(), 0, 0, 4), "00 00 00 00 ");
+  EXPECT_EQ(Values(B(), 1, 0, 4), "0000 0011 0022 0000 ");
+  EXPECT_EQ(Values(B(), 2, 0, 4), "0 1 2 0 ");
+  EXPECT_THAT(m_handler.Take(), ElementsAre("OnPatternDataChanged(0)"));
+  info.targetFirstColumn = 2;  // only one group is left there
+  EXPECT_EQ(Run(ContentType::GroupWave, 2, 2), S_OK);
+  EXPECT_EQ(Values(B(), 2, 0, 4), "0 3 2 0 ");
+}
+
+TEST_F(PasteData, WritesChannelColumns) {
+  Group(B(), "End", 56, 8);
+  info.targetItem = 1;
+  info.sourceFirstColumn = 0;
+  info.sourceLastColumn = 7;
+  info.targetFirstColumn = 60;  // four channels are left there
+  EXPECT_EQ(Run(ContentType::ChannelColumn, 0, 3), S_OK);
+  EXPECT_THAT(m_handler.Take(), ElementsAre("OnPatternDataChanged(1)"));
+  std::string text;
+  for (int vector = 1; vector < 5; ++vector) {
+    (void)B().GetGroupData("End", 1, vector, Radix::Hex, text);
+    EXPECT_EQ(text, FormatText("%d0", {vector}));
+  }
+  EXPECT_EQ(Values(B(), 0, 0, 2), "00 00 ");  // the other block
+  // Within one block, over channels that are read themselves.
+  m_target.instrument = &A();
+  info.targetItem = 0;
+  info.targetFirst = 0;
+  info.targetFirstColumn = 4;
+  EXPECT_EQ(Run(ContentType::ChannelWave, 0, 3), S_OK);
+  EXPECT_EQ(Values(A(), 0, 0, 4), "11 22 33 44 ");
+  int bit = 0;
+  (void)A().GetChannelData(8, 0, 3, bit);
+  EXPECT_EQ(bit, 0);
+  (void)A().GetChannelData(10, 0, 3, bit);
+  EXPECT_EQ(bit, 1);
+  EXPECT_THAT(Host().boxes, IsEmpty());
+}
+
+}  // namespace
+}  // namespace quillpg

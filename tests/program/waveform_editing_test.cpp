@@ -1,0 +1,345 @@
+#include "base/enum_text.h"
+#include "base/text.h"
+#include "instrument/instrument.h"
+#include "program/block_manager.h"
+#include "program/group_manager.h"
+#include "program/waveform_manager.h"
+#include "quillpg/app_server.h"
+#include "support/instrument_fixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quillpg {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// Two blocks whose rows are: groups Data (channels 10 1 0) and Bus (63 62), an inhibit row. Written
+// D A10 A1 A0 B 63 62 I: a group row by its first letter, a channel row by its number.
+class WaveformEditing : public testing::Test, public CInstrumentFixture {
+ protected:
+  WaveformEditing() {
+    (void)Groups().DeleteAll();
+    for (const char* name : {"Data", "Bus"}) (void)Groups().AddGroup(name);
+    for (const int channel : {10, 1, 0}) {
+      (void)Instrument().AddChannelToGroup("Data", channel, -1);
+    }
+    for (const int channel : {63, 62}) (void)Instrument().AddChannelToGroup("Bus", channel, -1);
+    (void)Server().SetDefaultChannelValue('\0');
+    (void)Blocks().DeleteAll();
+    (void)Blocks().AddBlock("a", 64);
+    (void)Blocks().AddBlock("b", 64);
+    (void)Instrument().SetInhibitByPodD(0, 0, 1);
+    Handler().events.clear();
+  }
+  CWaveformManager& Rows(int block = 0) {
+    BLOCK* found = nullptr;
+    (void)Blocks().GetBlock(block, &found);
+    return *found->GetWaveformManager();
+  }
+  std::string Show(int block = 0) {
+    std::string text;
+    for (int i = 0; const CWaveformData* row = Rows(block).Row(i); ++i) {
+      if (i > 0) text += ' ';
+      if (row->waveType == WaveType::Group) text += row->groupName.substr(0, 1);
+      if (row->waveType == WaveType::Channel) AppendNumber(text, row->channel);
+      if (row->waveType == WaveType::Inhibit) text += 'I';
+    }
+    return text;
+  }
+  void Write(const std::string& group, int vector, const std::string& hex) {
+    (void)Instrument().SetGroupData(group, 0, vector, Radix::Hex, hex);
+  }
+};
+
+TEST_F(WaveformEditing, MovesRows) {
+  struct ROW {
+    const char* what;
+    int a, b, count;
+    Status status;
+    const char* rows;
+  };
+  const char* const kept = "D 10 1 0 B 63 62 I";
+  const ROW rows[] = {
+      {"swap", 0, 2, 0, S_OK, "10 1 D 0 B 63 62 I"},  // one row moves, no exchange
+      {"swap", 5, 0, 0, S_OK, "63 D 10 1 0 B 62 I"},
+      {"swap", 0, 7, 0, S_OK, "10 1 0 B 63 62 I D"},  // the last position appends
+      {"swap", 0, 8, 0, E_FAIL, kept},
+      {"swap", -1, 0, 0, E_FAIL, kept},
+      {"move", 0, 3, 4, S_OK, "B 63 62 D 10 1 0 I"},  // position in the shortened list
+      {"move", 4, 0, 3, S_OK, "B 63 62 D 10 1 0 I"},
+      {"move", 1, 1, 3, S_OK, kept},
+      {"move", 1, 99, 2, S_OK, "D 0 B 63 62 I 10 1"},
+      {"move", 6, 0, 3, E_FAIL, kept},  // one row short
+      {"move", 0, -1, 1, E_FAIL, kept},
+      {"move", 2147483647, 0, 2147483647, E_FAIL, kept},
+      {"up", 1, 0, 0, S_OK, "10 D 1 0 B 63 62 I"},
+      {"up", 0, 0, 0, E_FAIL, kept},
+      {"up", 8, 0, 0, E_FAIL, kept},
+      {"down", 6, 0, 0, S_OK, "D 10 1 0 B 63 I 62"},
+      {"down", 7, 0, 0, E_FAIL, kept},
+      {"down", -1, 0, 0, E_FAIL, kept},
+      {"down", 2147483647, 0, 0, E_FAIL, kept},
+  };
+  for (const ROW& row : rows) {
+    SCOPED_TRACE(FormatText("%s %d %d %d", {row.what, row.a, row.b, row.count}));
+    ASSERT_EQ(Rows().UpdateWaveformList(), S_OK);
+    const std::string what = row.what;
+    Status status = what == "swap" ? Rows().Swap(row.a, row.b) : S_OK;
+    if (what == "move") status = Rows().Move(row.a, row.b, row.count);
+    if (what == "up") status = Rows().MoveUp(row.a);
+    if (what == "down") status = Rows().MoveDown(row.a);
+    EXPECT_EQ(status, row.status);
+    EXPECT_EQ(Show(), row.rows);
+    EXPECT_EQ(Show(1), kept);
+  }
+}
+
+TEST_F(WaveformEditing, PastesWhatWasCutOnce) {
+  EXPECT_EQ(Rows().CanPaste(), E_FAIL);
+  for (const int row : {0, 1, 7}) {  // group, channel, inhibit
+    SCOPED_TRACE(row);
+    ASSERT_EQ(Rows().UpdateWaveformList(), S_OK);
+    EXPECT_EQ(Rows().Cut(8), E_FAIL);
+    ASSERT_EQ(Rows().Cut(row), S_OK);
+    EXPECT_EQ(Rows().CanPaste(), S_OK);
+    EXPECT_EQ(Rows().Paste(7), E_FAIL);  // before a row that exists only
+    EXPECT_EQ(Rows().Paste(-1), E_FAIL);
+    EXPECT_EQ(Rows().Paste(2), S_OK);
+    EXPECT_EQ(Rows().CanPaste(), E_FAIL);  // there again
+    EXPECT_EQ(Rows().Paste(2), E_FAIL);
+    int count = 0;
+    (void)Rows().GetNoOfRows(count);
+    EXPECT_EQ(count, 8);
+  }
+  ASSERT_EQ(Rows().Cut(0), S_OK);
+  (void)Rows().DeleteAll();
+  EXPECT_EQ(Rows().CanPaste(), S_OK);  // the cut row outlives the list
+  EXPECT_EQ(Rows().Paste(0), E_FAIL);  // but there is no row to paste before
+  (void)Rows().UpdateWaveformList();
+  EXPECT_EQ(Rows().CanPaste(), E_FAIL);
+}
+
+TEST_F(WaveformEditing, AddsRowsByName) {
+  (void)Instrument().SetChannelName(1, "Strobe");
+  struct ROW {
+    const char* name;
+    int type;
+    int first, count;  // rows deleted before
+    Status status;
+    const char* rows;
+  };
+  const ROW rows[] = {
+      {" a0(1) ", 1, 2, 1, S_OK, "D 10 0 1 B 63 62 I"},  // after the last row of its group
+      {"STROBE", 1, 2, 1, S_OK, "D 10 0 1 B 63 62 I"},   // by the user's name, too
+      {"Strobe", 1, 0, 4, S_OK, "1 B 63 62 I"},          // where its group would begin
+      {"Strobe", 1, 0, 7, S_OK, "1 I"},
+      {"D1(7)", 1, 4, 3, S_OK, "D 10 1 0 63 I"},
+      {"B0(0)", 1, 0, 0, S_OK, "D 10 1 0 B 63 62 16 I"},  // in no group
+      {"Strobe", 1, 0, 0, S_OK, "D 10 1 0 B 63 62 I"},    // there already
+      {"E0(0)", 1, 0, 0, S_OK, "D 10 1 0 B 63 62 I"},
+      {"bus", 0, 4, 1, S_OK, "D 10 1 0 B 63 62 I"},
+      {"data", 0, 0, 4, S_OK, "D B 63 62 I"},  // without its channels
+      {"Bus", 0, 4, 3, S_OK, "D 10 1 0 B I"},
+      {"Bus", 0, 0, 0, S_OK, "D 10 1 0 B 63 62 I"},
+      {"Nobody", 0, 0, 0, S_OK, "D 10 1 0 B 63 62 I"},
+      {" inhba", 2, 7, 1, S_OK, "D 10 1 0 B 63 62 I"},
+      {"INHBA", 2, 0, 0, S_OK, "D 10 1 0 B 63 62 I"},
+      {"INHBB", 2, 0, 0, E_FAIL, "D 10 1 0 B 63 62 I"},
+      {"Data", 3, 0, 0, E_FAIL, "D 10 1 0 B 63 62 I"},
+      {"Data", -1, 0, 0, E_FAIL, "D 10 1 0 B 63 62 I"},
+  };
+  for (const ROW& row : rows) {
+    SCOPED_TRACE(FormatText("%s %d %d %d", {row.name, row.type, row.first, row.count}));
+    ASSERT_EQ(Rows().UpdateWaveformList(), S_OK);
+    ASSERT_EQ(Rows().DeleteWaveformData(row.first, row.count), S_OK);
+    EXPECT_EQ(Rows().AddWaveformData(row.name, static_cast<SelectWfmType>(row.type), 42),
+              row.status);
+    EXPECT_EQ(Show(), row.rows);
+    int found = -1;
+    (void)Rows().GetRowFromChannel(1, found);
+    if (row.count == 4 && row.type == 1) {
+      EXPECT_EQ(Rows().Row(0)->channelName, "A0(1)");  // never the user's name
+      EXPECT_EQ(Rows().Row(0)->reserved, 42);
+      EXPECT_EQ(Rows().Row(0)->groupName, "Data");
+      EXPECT_EQ(found, 0);
+    }
+  }
+}
+
+TEST_F(WaveformEditing, RemovesGroupsAndChannels) {
+  EXPECT_EQ(Rows().DeleteGroup("None"), E_FAIL);
+  EXPECT_EQ(Rows().DeleteGroup(" data "), S_OK);
+  EXPECT_EQ(Show(), "B 63 62 I");
+  EXPECT_EQ(Rows().DeleteChannel("A0(0)"), E_FAIL);
+  EXPECT_EQ(Rows().DeleteChannel("INHBA"), E_FAIL);  // no channel row
+  EXPECT_EQ(Rows().DeleteChannel("d1(7)"), S_OK);
+  EXPECT_EQ(Show(), "B 62 I");
+  EXPECT_EQ(Show(1), "D 10 1 0 B 63 62 I");
+}
+
+TEST_F(WaveformEditing, LooksRowsUp) {
+  struct ROW {
+    int row, group, channel;
+    const char* name;
+  };
+  const ROW rows[] = {
+      {0, 0, -1, "Data"}, {3, 0, 0, "A0(0)"}, {5, 1, 63, "D1(7)"}, {7, -1, 52, "INHBA"}};
+  for (const ROW& row : rows) {
+    SCOPED_TRACE(row.row);
+    int group = -2;
+    int channel = -2;
+    std::string name;
+    EXPECT_EQ(Rows().GetGroupId(row.row, group), S_OK);
+    EXPECT_EQ(Rows().GetChannelId(row.row, channel), S_OK);
+    EXPECT_EQ(Rows().GetWaveformName(row.row, name), S_OK);
+    EXPECT_EQ(group, row.group);
+    EXPECT_EQ(channel, row.channel);
+    EXPECT_EQ(name, row.name);
+  }
+  std::string name = "kept";
+  int number = 5;
+  EXPECT_EQ(Rows().GetWaveformName(8, name), E_FAIL);
+  EXPECT_EQ(name, "kept");
+  EXPECT_EQ(Rows().GetGroupId(-1, number), E_FAIL);
+  EXPECT_EQ(number, -1);
+  EXPECT_EQ(Rows().IsWaveformExists("bus", WaveType::Group), S_OK);
+  EXPECT_EQ(Rows().IsWaveformExists("bus", WaveType::Channel), PG_E_NO_WAVEFORM_ROW);
+  EXPECT_EQ(Rows().IsWaveformExists("inhba", WaveType::Inhibit), S_OK);
+  EXPECT_EQ(Rows().IsWaveformExists("bus", static_cast<WaveType>(-1)), PG_E_NO_WAVEFORM_ROW);
+  EXPECT_EQ(Rows().GetRowFromChannel(52, number), E_FAIL);  // an inhibit row is none
+  EXPECT_EQ(number, -1);
+  EXPECT_EQ(Rows().GetRowFromGroup("BUS", number), S_OK);
+  EXPECT_EQ(number, 4);
+}
+
+// Look-ups answer from an index: no way of changing rows may leave it behind.
+TEST_F(WaveformEditing, FindsRowsAfterEveryChange) {
+  const auto find = [this](const char* name) {
+    int row = -1;
+    (void)Rows().GetRowFromChannel(name, row);
+    return row;
+  };
+  EXPECT_EQ(find("A0(0)"), 3);
+  (void)Rows().MoveUp(3);
+  EXPECT_EQ(find("A0(0)"), 2);
+  (void)Rows().Cut(0);
+  EXPECT_EQ(find("A0(0)"), 1);
+  (void)Rows().Paste(0);
+  EXPECT_EQ(find("A0(0)"), 2);
+  (void)Rows().SetChannelName("Clock", 0);
+  EXPECT_EQ(find("A0(0)"), -1);
+  EXPECT_EQ(find("clock"), 2);
+  (void)Rows().SetChannelName("", 0);
+  EXPECT_EQ(find("A0(0)"), 2);
+  CWaveformData* row = nullptr;
+  ASSERT_EQ(Rows().GetWaveformData(1, &row), S_OK);
+  EXPECT_EQ(find("A0(0)"), 2);
+  row->channelName = "A0(0)";  // behind the manager's back; the first row counts
+  EXPECT_EQ(find("A0(0)"), 1);
+  (void)Rows().UpdateWaveformList();
+  EXPECT_EQ(find("A0(0)"), 3);
+}
+
+TEST_F(WaveformEditing, RenamesInEveryRow) {
+  EXPECT_EQ(Rows().SetGroupName("DATA", "Word"), S_OK);
+  EXPECT_EQ(Rows().SetGroupName("Nobody", "Word2"), S_OK);
+  EXPECT_EQ(Show(), "W 10 1 0 B 63 62 I");
+  EXPECT_EQ(Rows().Row(3)->groupName, "Word");
+  EXPECT_EQ(Rows().Row(3)->groupIndex, 0);
+  EXPECT_EQ(Show(1), "D 10 1 0 B 63 62 I");
+  EXPECT_EQ(Rows(1).SetGroupName("DATA", "Word"), S_OK);
+  EXPECT_EQ(Rows(1).Row(0), Rows(0).Row(0));            // alike rows stay one list
+  EXPECT_EQ(Rows(1).SetChannelName("Sync", 52), S_OK);  // the inhibit row keeps its name
+  EXPECT_EQ(Rows(1).Row(7)->channelName, "INHBA");
+  EXPECT_EQ(Rows().CanEnableAddWaveform(), 1);
+  (void)Groups().DeleteAll();
+  EXPECT_EQ(Rows().CanEnableAddWaveform(), 0);
+}
+
+// --- pattern data ---
+
+TEST_F(WaveformEditing, MarksInhibitedDigits) {
+  // Pod A's outputs follow channel 52; pod C's are never inhibited. Data takes channels of A alone,
+  // Mixed two channels of C, then eight of A, so that its digits are inhibited in part and wholly.
+  ASSERT_EQ(Groups().AddGroup("Mixed"), S_OK);
+  for (const int channel : {32, 33}) (void)Instrument().AddChannelToGroup("Mixed", channel, -1);
+  ASSERT_EQ(Instrument().AddSectionToGroup("Mixed", 0, -1), S_OK);
+  Write("Mixed", 0, "25A");
+  Write("Mixed", 1, "25A");
+  (void)Instrument().SetChannelData(52, 0, 1, 1);
+  struct ROW {
+    int group, vector;
+    Radix radix;
+    Status status;
+    const char* text;
+  };
+  const ROW rows[] = {
+      {2, 0, Radix::Hex, S_OK, "25A"},     {2, 1, Radix::Hex, S_OK, "2ZZ"},
+      {2, 1, Radix::Octal, S_OK, "1?ZZ"},  {2, 1, Radix::Binary, S_OK, "10ZZZZZZZZ"},
+      {2, 1, Radix::Decimal, S_OK, "602"}, {0, 1, Radix::Hex, S_OK, "?"},  // a short digit
+      {0, 1, Radix::Octal, S_OK, "Z"},     {1, 1, Radix::Binary, S_OK, "00"},
+      {3, 1, Radix::Hex, E_FAIL, "kept"},  {-1, 1, Radix::Hex, E_FAIL, "kept"},
+      {2, 64, Radix::Hex, S_OK, "000"},    {2, 0, static_cast<Radix>(4), E_FAIL, ""},
+  };
+  for (const ROW& row : rows) {
+    SCOPED_TRACE(FormatText("%d %d %d", {row.group, row.vector, ToInt(row.radix)}));
+    std::string text = "kept";
+    EXPECT_EQ(Rows().GetGroupData(0, row.group, row.vector, row.radix, text), row.status);
+    EXPECT_EQ(text, row.text);
+  }
+  // Channels in (block, channel, vector).
+  int value = 9;
+  EXPECT_EQ(Rows().GetChannelData(0, 1, 1, value), S_OK);
+  EXPECT_EQ(value, -1);
+  EXPECT_EQ(Rows().GetChannelData(0, 32, 1, value), S_OK);
+  EXPECT_EQ(value, 1);
+  EXPECT_EQ(Rows().GetChannelData(0, 64, 1, value), E_FAIL);
+  EXPECT_EQ(Rows().GetChannelData(2, 0, 1, value), E_FAIL);
+}
+
+TEST_F(WaveformEditing, TellsOfWritesWhateverBecameOfThem) {
+  EXPECT_EQ(Rows(1).SetGroupData(0, 0, 3, Radix::Hex, "5", 2), S_OK);
+  EXPECT_EQ(Rows().SetGroupData(1, 0, 0, static_cast<Radix>(9), "5", 0), E_FAIL);
+  EXPECT_THAT(Handler().Take(), ElementsAre("OnPatternDataChanged(0)", "OnPatternDataChanged(1)"));
+  EXPECT_EQ(Rows().SetGroupData(0, 2, 0, Radix::Hex, "5", 0), E_FAIL);  // no such group
+  EXPECT_THAT(Handler().Take(), IsEmpty());
+  std::string text;
+  for (const auto& [vector, shown] : {std::pair{2, "0"}, {3, "5"}, {4, "5"}, {5, "0"}}) {
+    EXPECT_EQ(Rows().GetGroupData(0, 0, vector, Radix::Octal, text), S_OK);
+    EXPECT_EQ(text, shown) << vector;
+  }
+  EXPECT_EQ(Rows().SetChannelData(0, 63, 2, 1), S_OK);
+  EXPECT_EQ(Rows().SetChannelData(7, 63, 2, 1), E_FAIL);
+  EXPECT_THAT(Handler().Take(), ElementsAre("OnPatternDataChanged(0)", "OnPatternDataChanged(7)"));
+  int bit = 0;
+  EXPECT_EQ(Instrument().GetChannelData(63, 0, 2, bit), S_OK);
+  EXPECT_EQ(bit, 1);
+  EXPECT_EQ(Rows().SetChannelInhibitMask(0, 3, 2, 1), S_OK);  // pod A's control channel
+  EXPECT_EQ(Instrument().GetChannelData(52, 0, 2, bit), S_OK);
+  EXPECT_EQ(bit, 1);
+  EXPECT_EQ(Rows().SetChannelInhibitMask(0, 32, 2, 1), E_FAIL);
+  EXPECT_THAT(Handler().Take(), IsEmpty());  // masks are set in silence
+  int length = 0;
+  EXPECT_EQ(Rows().GetGroupTextLength(0, Radix::Binary, length), S_OK);
+  EXPECT_EQ(length, 3);
+}
+
+TEST(WaveformEditingAlone, RefusesWithoutAnInstrument) {
+  CWaveformManager rows;
+  int value = 0;
+  std::string text;
+  EXPECT_EQ(rows.UpdateWaveformList(), E_FAIL);
+  EXPECT_EQ(rows.AddWaveformData("a", SelectWfmType::Group, 0), E_FAIL);
+  EXPECT_EQ(rows.DeleteGroup("a"), E_FAIL);
+  EXPECT_EQ(rows.GetChannelData(0, 0, 0, value), E_FAIL);
+  EXPECT_EQ(rows.SetChannelData(0, 0, 0, 1), E_FAIL);
+  EXPECT_EQ(rows.GetGroupData(0, 0, 0, Radix::Hex, text), E_FAIL);
+  EXPECT_EQ(rows.SetGroupName("a", "b"), S_OK);
+  EXPECT_EQ(rows.CanEnableAddWaveform(), 0);
+}
+
+}  // namespace
+}  // namespace quillpg
