@@ -82,6 +82,12 @@ void LayOutSettings(auto& file, auto&& name, auto&& enabled, auto&& channelMode,
   file.Field("output signal destination", outputDestination);
 }
 
+/// Not a list: the count is the file's, the modules are the instrument's.
+void LayOutModules(auto& file, auto&& count, auto&& module) {
+  file.Field("module count", count);
+  for (int i = 0; i < count && file.Good(); ++i) file.Record("module", i, [&] { module(i); });
+}
+
 /// `probe(pod)` describes the probe of a pod, A to D.
 void LayOutModule(auto& file, auto&& clockDeskew, auto&& probe) {
   file.Field("clock deskew", clockDeskew);
@@ -124,7 +130,7 @@ void LayOutProbe(auto& file, auto& podType, auto& probe) {
 
 // --- groups ---
 
-/// `channel(file, index)` describes one channel number.
+/// `channel(index)` describes one channel number.
 void LayOutGroup(auto& file, bool withNames, auto& name, auto& channels, auto& channelNames,
                  auto&& channel) {
   file.Field("group name", name);

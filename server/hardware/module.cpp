@@ -1,6 +1,8 @@
 #include "hardware/module.h"
 
+#include "app/setup_stream.h"
 #include "base/guard.h"
+#include "base/setup_file_format.h"
 #include "hardware/hardware_library.h"
 #include "hardware/module_wire.h"
 #include "hardware/setting_rule.h"
@@ -228,8 +230,27 @@ std::uint64_t CModule::GetSize() const {
   return size;
 }
 
-Status CModule::Write(std::ostream&) const { return E_FAIL; }  // Not built yet.
+Status CModule::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status CModule::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
 
-Status CModule::Read(std::istream&) { return E_FAIL; }  // Not built yet.
+Status CModule::Read(CSetupFileReader& reader) {
+  // What the hardware refuses is not taken; only the file can make the read fail.
+  const auto setDeskew = ReadInto<float>([this](float nanoseconds) {
+    (void)SetClockDeskew(nanoseconds);
+    return true;
+  });
+  LayOutModule(reader, setDeskew, [&](int pod) {
+    PROBE_SETUP& probe = m_probes[static_cast<std::size_t>(pod)];
+    (void)probe.Read(reader);
+    if (reader.Good() && m_sorrelModule) (void)UpdateProbeValues(pod, probe.podType);
+  });
+  return reader.GetStatus();
+}
+
+Status CModule::Write(CByteWriter& writer) const {
+  LayOutModule(writer, m_clockDeskew,
+               [&](int pod) { (void)m_probes[static_cast<std::size_t>(pod)].Write(writer); });
+  return writer.GetStatus();
+}
 
 }  // namespace quillpg

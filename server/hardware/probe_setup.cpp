@@ -1,5 +1,7 @@
 #include "hardware/probe_setup.h"
 
+#include "app/setup_stream.h"
+#include "base/setup_file_format.h"
 namespace quillpg {
 
 namespace {
@@ -39,9 +41,18 @@ Status VARIABLE_CHANNELS::Initialize() {
 
 std::uint64_t VARIABLE_CHANNELS::GetSize() const { return kVariableChannelSize; }
 
-Status VARIABLE_CHANNELS::Write(std::ostream&) const { return E_FAIL; }  // Not built yet.
+Status VARIABLE_CHANNELS::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status VARIABLE_CHANNELS::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
 
-Status VARIABLE_CHANNELS::Read(std::istream&) { return E_FAIL; }  // Not built yet.
+Status VARIABLE_CHANNELS::Read(CSetupFileReader& reader) {
+  LayOutVariableChannel(reader, *this);
+  return reader.GetStatus();
+}
+
+Status VARIABLE_CHANNELS::Write(CByteWriter& writer) const {
+  LayOutVariableChannel(writer, *this);
+  return writer.GetStatus();
+}
 
 VARIABLE_PROBE_SETUP::VARIABLE_PROBE_SETUP() { InitializeDefaults(); }
 
@@ -62,9 +73,20 @@ Status VARIABLE_PROBE_SETUP::InitializeDefaults() {
 
 std::uint64_t VARIABLE_PROBE_SETUP::GetSize() const { return kVariableProbeSize; }
 
-Status VARIABLE_PROBE_SETUP::Write(std::ostream&) const { return E_FAIL; }  // Not built yet.
+Status VARIABLE_PROBE_SETUP::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status VARIABLE_PROBE_SETUP::Write(std::ostream& stream) const {
+  return WriteToStream(stream, *this);
+}
 
-Status VARIABLE_PROBE_SETUP::Read(std::istream&) { return E_FAIL; }  // Not built yet.
+Status VARIABLE_PROBE_SETUP::Read(CSetupFileReader& reader) {
+  LayOutVariableProbe(reader, *this);
+  return reader.GetStatus();
+}
+
+Status VARIABLE_PROBE_SETUP::Write(CByteWriter& writer) const {
+  LayOutVariableProbe(writer, *this);
+  return writer.GetStatus();
+}
 
 Status PROBE_SETUP::Initialize() {
   const PodType held = podType;
@@ -80,7 +102,7 @@ Status PROBE_SETUP::CompareAndUpdateOutputLevel(PodType typeInFile) {
       !GetOutputLevelRange(typeInFile, lowest, highest)) {
     return S_OK;
   }
-  if (!(outputLevel >= lowest)) outputLevel = lowest;  // a value that is no number too
+  if (outputLevel < lowest) outputLevel = lowest;  // a value that is no number stays
   if (outputLevel > highest) outputLevel = highest;
   return S_OK;
 }
@@ -91,8 +113,19 @@ std::uint64_t PROBE_SETUP::GetSize() const {
   return podType == PodType::Variable ? size + variable.GetSize() : size;
 }
 
-Status PROBE_SETUP::Write(std::ostream&) const { return E_FAIL; }  // Not built yet.
+Status PROBE_SETUP::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status PROBE_SETUP::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
 
-Status PROBE_SETUP::Read(std::istream&) { return E_FAIL; }  // Not built yet.
+Status PROBE_SETUP::Read(CSetupFileReader& reader) {
+  PodType typeInFile = PodType::None;  // never stored: the hardware alone tells the type
+  LayOutProbe(reader, typeInFile, *this);
+  (void)CompareAndUpdateOutputLevel(typeInFile);
+  return reader.GetStatus();
+}
+
+Status PROBE_SETUP::Write(CByteWriter& writer) const {
+  LayOutProbe(writer, podType, *this);
+  return writer.GetStatus();
+}
 
 }  // namespace quillpg

@@ -211,6 +211,8 @@ class QUILLPG_API CInstrument {
   Status AddSectionToGroup(const std::string& group, int section, int position);
   /// E_FAIL when the group holds no channel of the section.
   Status DeleteSectionFromGroup(const std::string& group, int section);
+  /// Writes the channel-names text of the group anew from its channels.
+  void RebuildChannelNames(GROUP& group) const;
 
   // --- pattern data ---
   // Writing marks the block and the block manager as changed. Group operations read 0 and write
@@ -315,6 +317,7 @@ class QUILLPG_API CInstrument {
     SignalType outputSignalDest = SignalType::None;
   };
 
+  void ReadSettings(CSetupFileReader& reader);
   CModule* ModuleAt(int position) const;
   CSorrelModule* HardwareAt(int position) const;
   bool IsFull() const { return m_settings.channelMode == ChannelMode::Full; }
@@ -335,7 +338,6 @@ class QUILLPG_API CInstrument {
   Status RelayProgram(ChannelMode oldMode);
   Status RelayBlock(BLOCK& block, int oldPodChannels, char fill) const;
   void RelayGroup(GROUP& group, int oldPodChannels) const;
-  void RebuildChannelNames(GROUP& group) const;
   void RebuildInhibitControls();
   int InhibitControlOf(int module, int pod) const;
   /// Control channel when the channel's pod is inhibited by data, -1 when it is not; E_FAIL for a

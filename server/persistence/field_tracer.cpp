@@ -32,6 +32,11 @@ std::span<const std::uint8_t> CFieldTracer::Bytes(const char* name, std::uint64_
   return bytes;
 }
 
+std::string CFieldTracer::FailedField() const {
+  if (Good()) return {};
+  return m_record.empty() ? m_reader.FailedField() : m_record + " / " + m_reader.FailedField();
+}
+
 std::size_t CFieldTracer::Enter(const char* name, int index) {
   const std::size_t length = m_record.size();
   if (length > 0) m_record += " / ";

@@ -6,6 +6,8 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace quillpg {
 
@@ -43,11 +45,13 @@ class CFieldTracer {
   void Record(const char* name, int index, Describe&& describe) {
     const std::size_t length = Enter(name, index);
     describe();
-    m_record.resize(length);
+    if (Good()) m_record.resize(length);  // a failure keeps its place
   }
   std::span<const std::uint8_t> Bytes(const char* name, std::uint64_t size);
 
   bool Good() const { return m_reader.Good(); }
+  /// The field that failed and the record it belongs to; empty for none.
+  std::string FailedField() const;
   void Refuse(const char* name) { m_reader.Refuse(name); }
   CSetupFileReader& Reader() { return m_reader; }
 

@@ -1,6 +1,8 @@
 #include "program/block.h"
 
 #include "app/message_service.h"
+#include "app/setup_stream.h"
+#include "base/setup_file_format.h"
 #include "base/text.h"
 #include "program/waveform_manager.h"
 
@@ -15,6 +17,7 @@ namespace quillpg {
 namespace {
 
 constexpr char kOutOfMemory[] = "Out of memory.";
+constexpr char kDataField[] = "pattern data";
 constexpr char kInternalFailure[] = "Internal application error.";
 
 // Far above what any instrument can hold (42 MB), far below what would take the host down.
@@ -44,6 +47,13 @@ Status GuardData(Operation&& operation) {
 // Bytes of `size` vectors; 0 where there is to be no data.
 std::uint64_t DataBytes(int size, std::size_t rowBytes) {
   return size > 0 ? static_cast<std::uint64_t>(size) * rowBytes : 0;
+}
+
+// Bytes in a setup file, a partial last one lost: deliberate.
+std::uint64_t FileDataBytes(int size, int width) {
+  return size > 0 && width > 0
+             ? static_cast<std::uint64_t>(size) * static_cast<std::uint64_t>(width) / 8
+             : 0;
 }
 
 // The caller fills the bytes. Null for none.
@@ -204,9 +214,64 @@ std::uint64_t BLOCK::GetSize() const {
   return (bits + 7) / 8 + m_name.size() + 13 + m_listingState.GetSize() + rows;
 }
 
-// Not built yet.
-Status BLOCK::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status BLOCK::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status BLOCK::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status BLOCK::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status BLOCK::Read(CSetupFileReader& reader, WAVEFORM_ROWS_IMAGE* lastRows) {
+  int size = 0;
+  int width = 0;
+  const auto takeSize = ReadInto<int>([&size](int value) {
+    size = value;
+    return value >= MIN_FILE_BLOCK_SIZE && value <= MAX_FILE_BLOCK_SIZE;
+  });
+  const auto takeWidth = ReadInto<int>([&width](int value) {
+    width = value;
+    return value >= 0 && value <= MAX_FILE_BLOCK_WIDTH;
+  });
+  LayOutBlock(
+      reader, reader.Form().hasNamesAndRows, takeSize, takeWidth, m_name,
+      [&] { ReadData(reader, size, width); }, [&] { (void)m_listingState.Read(reader); },
+      [&] { (void)m_waveformManager->Read(reader, lastRows); });
+  m_revision.Touch();
+  return reader.GetStatus();
+}
+
+void BLOCK::ReadData(CSetupFileReader& reader, int size, int width) {
+  if (reader.Form().stepsOver) {  // size and data stay
+    reader.Skip(kDataField, FileDataBytes(size, width));
+    if (reader.Good() && width != m_width) {
+      m_width = width;
+      if (m_data) (void)AllocateBlockData('\0');  // never rows of another width
+    }
+    return;
+  }
+  const auto data = reader.Bytes(kDataField, FileDataBytes(size, width));
+  if (!reader.Good()) return;
+  (void)DeAllocateBlockData();
+  m_size = size;
+  m_width = width;
+  m_listingState.firstReference = 1;
+  m_listingState.secondReference = size;
+  m_changed.Set();
+  const std::uint64_t held = DataBytes(size, RowBytes());
+  if (Failed(GuardData([&] { m_data = MakeBuffer(held); }))) return reader.Refuse(kDataField);
+  // A width that is no multiple of 8 has more bytes in the file than the buffer takes.
+  if (m_data) std::memcpy(m_data.get(), data.data(), static_cast<std::size_t>(held));
+}
+
+Status BLOCK::Write(CByteWriter& writer, WAVEFORM_ROWS_IMAGE* lastRows) const {
+  LayOutBlock(
+      writer, true, m_size, m_width, m_name, [&] { WriteData(writer); },
+      [&] { (void)m_listingState.Write(writer); },
+      [&] { (void)m_waveformManager->Write(writer, lastRows); });
+  return writer.GetStatus();
+}
+
+void BLOCK::WriteData(CByteWriter& writer) const {
+  const std::uint64_t bytes = FileDataBytes(m_size, m_width);
+  const std::uint64_t held = m_data ? std::min(bytes, DataBytes(m_size, RowBytes())) : 0;
+  writer.Bytes(kDataField, {m_data.get(), static_cast<std::size_t>(held)});
+  writer.Zeros(kDataField, bytes - held);
+}
 
 }  // namespace quillpg

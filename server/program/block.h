@@ -18,6 +18,7 @@ namespace quillpg {
 class CByteWriter;
 class CSetupFileReader;
 class CWaveformManager;
+struct WAVEFORM_ROWS_IMAGE;
 
 /// A named run of pattern vectors, one bit for each channel of the instrument: vector after vector
 /// in one buffer, width / 8 bytes each, channel c at bit c mod 8 of byte c / 8. The buffer is
@@ -97,11 +98,15 @@ struct QUILLPG_API BLOCK {
   /// Bytes in a setup file, the data rounded up; Write rounds it down (deliberate).
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
-  Status Read(CSetupFileReader& reader);
+  /// `lastRows` keeps the row list met last, which an equal one then shares; null for none.
+  Status Read(CSetupFileReader& reader, WAVEFORM_ROWS_IMAGE* lastRows = nullptr);
   Status Write(std::ostream& stream) const;
-  Status Write(CByteWriter& writer) const;
+  Status Write(CByteWriter& writer, WAVEFORM_ROWS_IMAGE* lastRows = nullptr) const;
 
  private:
+  void ReadData(CSetupFileReader& reader, int size, int width);
+  void WriteData(CByteWriter& writer) const;
+
   int m_size = 0;
   int m_width = 0;
   int m_used = 0;

@@ -2,6 +2,8 @@
 
 #include "app/message_catalogue.h"
 #include "app/message_service.h"
+#include "app/setup_stream.h"
+#include "base/setup_file_list.h"
 #include "instrument/instrument.h"
 #include "program/waveform_manager.h"
 #include "quillpg/app_server.h"
@@ -240,9 +242,24 @@ Status CBlockManager::GetSize(std::uint64_t& size) const {
   return S_OK;
 }
 
-// Not built yet.
-Status CBlockManager::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status CBlockManager::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status CBlockManager::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status CBlockManager::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status CBlockManager::Read(CSetupFileReader& reader) {
+  m_modified.Set();              // what is loaded is not in the hardware
+  WAVEFORM_ROWS_IMAGE lastRows;  // most blocks show the rows of the block before
+  return ReadRecords(reader, BLOCK_LIST, m_blocks, [&](BLOCK& block) {
+    CWaveformManager& rows = *block.GetWaveformManager();
+    (void)rows.Initialize(Instrument());  // files of the old version have no rows
+    (void)rows.SetEventHandler(EventHandler());
+    (void)block.Read(reader, &lastRows);
+  });
+}
+
+Status CBlockManager::Write(CByteWriter& writer) const {
+  WAVEFORM_ROWS_IMAGE lastRows;
+  return WriteRecords(writer, BLOCK_LIST, m_blocks,
+                      [&](const BLOCK& block) { (void)block.Write(writer, &lastRows); });
+}
 
 }  // namespace quillpg

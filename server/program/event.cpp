@@ -1,5 +1,8 @@
 #include "program/event.h"
 
+#include "app/setup_stream.h"
+#include "base/setup_file_list.h"
+
 #include <utility>
 
 namespace quillpg {
@@ -80,10 +83,22 @@ Status EVENT::SetModified(int flag) {
 
 std::uint64_t EVENT::GetSize() const { return m_name.size() + 9 + m_definitions.SizeOfAll(); }
 
-// Not built yet.
-Status EVENT::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status EVENT::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status EVENT::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status EVENT::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status EVENT::Read(CSetupFileReader& reader) {
+  LayOutEvent(reader, m_name,
+              [&] { (void)ReadRecords(reader, EVENT_DEFINITION_LIST, m_definitions); });
+  m_modified.Set();
+  m_revision.Touch();
+  return reader.GetStatus();
+}
+
+Status EVENT::Write(CByteWriter& writer) const {
+  LayOutEvent(writer, m_name,
+              [&] { (void)WriteRecords(writer, EVENT_DEFINITION_LIST, m_definitions); });
+  return writer.GetStatus();
+}
 
 Status EVENT::Changed(Status status) {
   if (!Failed(status)) m_modified.Set();

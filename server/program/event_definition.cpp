@@ -1,5 +1,10 @@
 #include "program/event_definition.h"
 
+#include "app/setup_stream.h"
+#include "base/setup_file_format.h"
+
+#include <algorithm>
+#include <string>
 namespace quillpg {
 
 namespace {
@@ -32,9 +37,22 @@ Status EVENT_DEFINITION::SetModified(int flag) {
 
 std::uint64_t EVENT_DEFINITION::GetSize() const { return 14; }
 
-// Not built yet.
-Status EVENT_DEFINITION::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status EVENT_DEFINITION::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status EVENT_DEFINITION::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status EVENT_DEFINITION::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status EVENT_DEFINITION::Read(CSetupFileReader& reader) {
+  std::string text;
+  LayOutEventDefinition(reader, text);
+  if (!reader.Good()) return reader.GetStatus();
+  text.resize(m_pattern.size(), '1');  // what a short text lacks
+  std::ranges::copy(text, m_pattern.begin());
+  m_revision.Touch();
+  return reader.GetStatus();
+}
+
+Status EVENT_DEFINITION::Write(CByteWriter& writer) const {
+  LayOutEventDefinition(writer, std::string(Pattern()));
+  return writer.GetStatus();
+}
 
 }  // namespace quillpg

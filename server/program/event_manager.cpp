@@ -1,5 +1,7 @@
 #include "program/event_manager.h"
 
+#include "app/setup_stream.h"
+#include "base/setup_file_list.h"
 #include "quillpg/event_handler.h"
 
 #include <utility>
@@ -110,10 +112,17 @@ Status CEventManager::GetSize(std::uint64_t& size) const {
   return S_OK;
 }
 
-// Not built yet.
-Status CEventManager::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status CEventManager::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status CEventManager::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status CEventManager::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status CEventManager::Read(CSetupFileReader& reader) {
+  m_modified.Set();  // what is loaded is not in the hardware
+  return ReadRecords(reader, EVENT_LIST, m_events);
+}
+
+Status CEventManager::Write(CByteWriter& writer) const {
+  return WriteRecords(writer, EVENT_LIST, m_events);
+}
 
 // A change of case alone is not stored: deliberate.
 Status CEventManager::Rename(int index, const std::string& name, bool& renamed) {

@@ -1,6 +1,8 @@
 #include "program/group.h"
 
+#include "app/setup_stream.h"
 #include "base/guard.h"
+#include "base/setup_file_format.h"
 #include "program/group_plan.h"
 #include "quillpg/limits.h"
 
@@ -96,10 +98,32 @@ std::uint64_t GROUP::GetSize() const {
   return m_name.size() + m_channelNames.size() + 4 * m_channels.size() + 14;
 }
 
-// Not built yet.
-Status GROUP::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status GROUP::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status GROUP::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status GROUP::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status GROUP::Read(CSetupFileReader& reader) {
+  int channels = 0;
+  const Status status = GuardAllocation([&] {
+    LayOutGroup(reader, reader.Form().hasNamesAndRows, m_name, channels, m_channelNames, [&](int) {
+      int channel = 0;
+      reader.Field("channel", channel);
+      if (reader.Good()) m_channels.push_back(channel);
+    });
+    return S_OK;
+  });
+  if (Failed(status)) reader.Refuse("channel");
+  m_plan.reset();
+  m_revision.Touch();
+  return reader.GetStatus();
+}
+
+Status GROUP::Write(CByteWriter& writer) const {
+  const int channels = GetNoOfChannels();
+  LayOutGroup(writer, true, m_name, channels, m_channelNames, [&](int index) {
+    writer.Field("channel", m_channels[static_cast<std::size_t>(index)]);
+  });
+  return writer.GetStatus();
+}
 
 void GROUP::MakePlan() const { m_plan = std::make_unique<CGroupPlan>(m_channels); }
 

@@ -1,5 +1,7 @@
 #include "program/group_manager.h"
 
+#include "app/setup_stream.h"
+#include "base/setup_file_list.h"
 #include "base/text.h"
 #include "instrument/instrument.h"
 #include "program/block_manager.h"
@@ -261,9 +263,39 @@ Status CGroupManager::GetSize(std::uint64_t& size) const {
   return S_OK;
 }
 
-// Not built yet.
-Status CGroupManager::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status CGroupManager::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status CGroupManager::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status CGroupManager::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status CGroupManager::Read(CSetupFileReader& reader) {
+  (void)DeleteAll();
+  const Status status = GuardAllocation([&] {
+    int count = 0;
+    LayOutList(reader, GROUP_LIST.count, GROUP_LIST.record, GROUP_LIST.leastBytes, count,
+               [&](int index) {
+                 if (index == 0) AppendPlaceholders(count);
+                 (void)m_groups.At(index)->Read(reader);
+               });
+    if (reader.Form().rebuildsNames && Instrument()) {
+      m_groups.ForEach([this](GROUP& group) { Instrument()->RebuildChannelNames(group); });
+    }
+    return S_OK;
+  });
+  if (Failed(status)) reader.Refuse(GROUP_LIST.record);
+  UpdateListingState();
+  return reader.GetStatus();
+}
+
+// All groups exist, under names of their own, before the first record is read.
+void CGroupManager::AppendPlaceholders(int count) {
+  for (int i = 0; i < count; ++i) {
+    auto group = std::make_unique<GROUP>();
+    (void)group->SetGroupName(FormatText("UserGrp%d", {i}));
+    m_groups.AppendRead(std::move(group));
+  }
+}
+
+Status CGroupManager::Write(CByteWriter& writer) const {
+  return WriteRecords(writer, GROUP_LIST, m_groups);
+}
 
 }  // namespace quillpg

@@ -108,6 +108,7 @@ class QUILLPG_API CGroupManager : public CProgramManager {
   Status Insert(int position, std::string_view name);
   void RenameGroupStates(const std::string& oldName, const std::string& newName) const;
   void UpdateListingState() const;
+  void AppendPlaceholders(int count);
   void AnnounceAllDeleted() const;
   void FillGroup(GROUP& group, int first, int count) const;
 

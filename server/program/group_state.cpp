@@ -1,6 +1,8 @@
 #include "program/group_state.h"
 
+#include "app/setup_stream.h"
 #include "base/guard.h"
+#include "base/setup_file_format.h"
 
 namespace quillpg {
 
@@ -42,9 +44,18 @@ Status GROUP_STATE::SetGroupName(const std::string& name) { return StoreText(m_g
 // Display value 2 is not stored in files.
 std::uint64_t GROUP_STATE::GetSize() const { return m_groupName.size() + 17; }
 
-// Not built yet.
-Status GROUP_STATE::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status GROUP_STATE::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status GROUP_STATE::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status GROUP_STATE::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status GROUP_STATE::Read(CSetupFileReader& reader) {
+  m_displayValue2 = 1;  // the one that files do not hold
+  LayOutGroupState(reader, m_groupName, m_radix, m_displayValue1, m_displayValue3);
+  return reader.GetStatus();
+}
+
+Status GROUP_STATE::Write(CByteWriter& writer) const {
+  LayOutGroupState(writer, m_groupName, m_radix, m_displayValue1, m_displayValue3);
+  return writer.GetStatus();
+}
 
 }  // namespace quillpg

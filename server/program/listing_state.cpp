@@ -1,5 +1,7 @@
 #include "program/listing_state.h"
 
+#include "app/setup_stream.h"
+#include "base/setup_file_list.h"
 namespace quillpg {
 
 Status LISTING_STATE::Initialize() {
@@ -29,9 +31,21 @@ Status LISTING_STATE::Assign(const LISTING_STATE& source) {
 // Display values 4 and 5 are not stored in files.
 std::uint64_t LISTING_STATE::GetSize() const { return 12 + groupStates.SizeOfAll(); }
 
-// Not built yet.
-Status LISTING_STATE::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status LISTING_STATE::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status LISTING_STATE::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status LISTING_STATE::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status LISTING_STATE::Read(CSetupFileReader& reader) {
+  (void)DeleteAll();
+  (void)Initialize();  // files do not hold display values 4 and 5
+  LayOutListingState(reader, *this,
+                     [&] { (void)ReadRecords(reader, GROUP_STATE_LIST, groupStates); });
+  return reader.GetStatus();
+}
+
+Status LISTING_STATE::Write(CByteWriter& writer) const {
+  LayOutListingState(writer, *this,
+                     [&] { (void)WriteRecords(writer, GROUP_STATE_LIST, groupStates); });
+  return writer.GetStatus();
+}
 
 }  // namespace quillpg

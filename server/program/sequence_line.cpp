@@ -1,6 +1,8 @@
 #include "program/sequence_line.h"
 
+#include "app/setup_stream.h"
 #include "base/guard.h"
+#include "base/setup_file_format.h"
 
 namespace quillpg {
 
@@ -44,10 +46,22 @@ std::uint64_t SEQUENCE_LINE::GetSize() const {
          33;
 }
 
-// Not built yet.
-Status SEQUENCE_LINE::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status SEQUENCE_LINE::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status SEQUENCE_LINE::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status SEQUENCE_LINE::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status SEQUENCE_LINE::Read(CSetupFileReader& reader) {
+  LayOutSequenceLine(reader, m_label, m_waitFor, m_output, m_repeatCount, m_jumpIf, m_jumpTo,
+                     m_signalValue);
+  m_modified.Set();
+  m_revision.Touch();
+  return reader.GetStatus();
+}
+
+Status SEQUENCE_LINE::Write(CByteWriter& writer) const {
+  LayOutSequenceLine(writer, m_label, m_waitFor, m_output, m_repeatCount, m_jumpIf, m_jumpTo,
+                     m_signalValue);
+  return writer.GetStatus();
+}
 
 Status SEQUENCE_LINE::SetText(std::string& field, const std::string& text) {
   const Status status = StoreText(field, text);

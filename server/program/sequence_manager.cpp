@@ -2,6 +2,8 @@
 
 #include "app/message_catalogue.h"
 #include "app/message_service.h"
+#include "app/setup_stream.h"
+#include "base/setup_file_list.h"
 
 #include <utility>
 
@@ -104,10 +106,17 @@ Status CSequenceManager::GetSize(std::uint64_t& size) const {
   return S_OK;
 }
 
-// Not built yet.
-Status CSequenceManager::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status CSequenceManager::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status CSequenceManager::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status CSequenceManager::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status CSequenceManager::Read(CSetupFileReader& reader) {
+  m_modified.Set();  // what is loaded is not in the hardware
+  return ReadRecords(reader, SEQUENCE_LIST, m_lines);
+}
+
+Status CSequenceManager::Write(CByteWriter& writer) const {
+  return WriteRecords(writer, SEQUENCE_LIST, m_lines);
+}
 
 Status CSequenceManager::Insert(int position, const std::string& label) {
   return GuardAllocation([&] {

@@ -1,5 +1,8 @@
 #include "program/subsequence.h"
 
+#include "app/setup_stream.h"
+#include "base/setup_file_list.h"
+
 #include <utility>
 
 namespace quillpg {
@@ -76,10 +79,22 @@ Status SUBSEQUENCE::SetModified(int flag) {
 
 std::uint64_t SUBSEQUENCE::GetSize() const { return m_name.size() + 9 + m_lines.SizeOfAll(); }
 
-// Not built yet.
-Status SUBSEQUENCE::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status SUBSEQUENCE::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status SUBSEQUENCE::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status SUBSEQUENCE::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status SUBSEQUENCE::Read(CSetupFileReader& reader) {
+  LayOutSubSequence(reader, m_name,
+                    [&] { (void)ReadRecords(reader, SUBSEQUENCE_LINE_LIST, m_lines); });
+  m_modified.Set();
+  m_revision.Touch();
+  return reader.GetStatus();
+}
+
+Status SUBSEQUENCE::Write(CByteWriter& writer) const {
+  LayOutSubSequence(writer, m_name,
+                    [&] { (void)WriteRecords(writer, SUBSEQUENCE_LINE_LIST, m_lines); });
+  return writer.GetStatus();
+}
 
 Status SUBSEQUENCE::Changed(Status status) {
   if (!Failed(status)) m_modified.Set();

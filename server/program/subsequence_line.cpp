@@ -1,6 +1,8 @@
 #include "program/subsequence_line.h"
 
+#include "app/setup_stream.h"
 #include "base/guard.h"
+#include "base/setup_file_format.h"
 
 namespace quillpg {
 
@@ -31,9 +33,19 @@ Status SUBSEQUENCE_LINE::SetModified(int flag) {
 
 std::uint64_t SUBSEQUENCE_LINE::GetSize() const { return m_output.size() + 9; }
 
-// Not built yet.
-Status SUBSEQUENCE_LINE::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status SUBSEQUENCE_LINE::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status SUBSEQUENCE_LINE::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status SUBSEQUENCE_LINE::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
+
+Status SUBSEQUENCE_LINE::Read(CSetupFileReader& reader) {
+  LayOutSubSequenceLine(reader, m_output, m_repeatCount);
+  m_modified.Set();
+  m_revision.Touch();
+  return reader.GetStatus();
+}
+
+Status SUBSEQUENCE_LINE::Write(CByteWriter& writer) const {
+  LayOutSubSequenceLine(writer, m_output, m_repeatCount);
+  return writer.GetStatus();
+}
 
 }  // namespace quillpg

@@ -1,5 +1,8 @@
 #include "program/subsequence_manager.h"
 
+#include "app/setup_stream.h"
+#include "base/setup_file_list.h"
+
 #include <utility>
 
 namespace quillpg {
@@ -81,10 +84,19 @@ Status CSubSequenceManager::GetSize(std::uint64_t& size) const {
   return S_OK;
 }
 
-// Not built yet.
-Status CSubSequenceManager::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status CSubSequenceManager::Write(std::ostream& /*stream*/) const { return E_FAIL; }
+Status CSubSequenceManager::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
+Status CSubSequenceManager::Write(std::ostream& stream) const {
+  return WriteToStream(stream, *this);
+}
+
+Status CSubSequenceManager::Read(CSetupFileReader& reader) {
+  m_modified.Set();  // what is loaded is not in the hardware
+  return ReadRecords(reader, SUBSEQUENCE_LIST, m_subsequences);
+}
+
+Status CSubSequenceManager::Write(CByteWriter& writer) const {
+  return WriteRecords(writer, SUBSEQUENCE_LIST, m_subsequences);
+}
 
 Status CSubSequenceManager::Changed(Status status) {
   if (!Failed(status)) m_modified.Set();

@@ -258,9 +258,4 @@ int CWaveformManager::IsChannelRow(int row) const {
   return GetWaveType(row) == WaveType::Group ? 0 : 1;
 }
 
-Status CWaveformManager::GetSize(std::uint64_t& size) const {
-  size = 4 + m_rows->SizeOfAll();
-  return S_OK;
-}
-
 }  // namespace quillpg

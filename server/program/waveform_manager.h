@@ -145,9 +145,10 @@ class QUILLPG_API CWaveformManager {
   /// Bytes in a setup file.
   Status GetSize(std::uint64_t& size) const;
   Status Read(std::istream& stream);
-  Status Read(CSetupFileReader& reader);
+  /// `lastRows` keeps the row list met last, which an equal one then shares; null for none.
+  Status Read(CSetupFileReader& reader, WAVEFORM_ROWS_IMAGE* lastRows = nullptr);
   Status Write(std::ostream& stream) const;
-  Status Write(CByteWriter& writer) const;
+  Status Write(CByteWriter& writer, WAVEFORM_ROWS_IMAGE* lastRows = nullptr) const;
 
  private:
   WAVEFORM_ROWS& OwnRows();

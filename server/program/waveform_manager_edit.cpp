@@ -212,9 +212,4 @@ int CWaveformManager::CanEnableAddWaveform() const {
   return groups > 0 ? 1 : 0;
 }
 
-// Not built yet.
-Status CWaveformManager::Read(std::istream& /*stream*/) { return E_FAIL; }
-// Not built yet.
-Status CWaveformManager::Write(std::ostream& /*stream*/) const { return E_FAIL; }
-
 }  // namespace quillpg

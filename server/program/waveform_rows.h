@@ -30,6 +30,12 @@ struct WAVEFORM_RENAMING {
   bool operator==(const WAVEFORM_RENAMING&) const = default;
 };
 
+/// A row list and its bytes in a setup file.
+struct WAVEFORM_ROWS_IMAGE {
+  std::shared_ptr<WAVEFORM_ROWS> rows;
+  std::vector<std::uint8_t> bytes;
+};
+
 /// Row lists that the blocks of one instrument share, since most of thousands of blocks show the
 /// same rows. Kept by the group manager; a layer copies a list before it changes it.
 struct WAVEFORM_ROW_CACHE {

