@@ -1,5 +1,6 @@
 #include "run_command.h"
 
+#include "compiler/compiler.h"
 #include "exchange/vcd_writer.h"
 #include "exit_status.h"
 #include "hardware/simulation/call_trace.h"
@@ -109,10 +110,17 @@ class CRun {
     m_router.EraseBar();
     if (status == PG_E_ABORTED) return InterruptStatus();
     if (status == S_OK) {
-      Tell("checked: no errors");
+      CCompiler* compiler = nullptr;
+      int warnings = 0;
+      if (m_session.Server()->GetCompiler(&compiler) == S_OK) {
+        (void)compiler->GetNoOfWarnings(warnings);
+      }
+      Tell("checked: no errors, " + Counted(warnings, "warning"));
       return STATUS_GOOD;
     }
-    for (const std::string& line : m_router.OutputLines()) ReportError(line);
+    for (const std::string& line : m_router.OutputLines()) {
+      ReportError(m_options.input.file + ": " + line);
+    }
     return STATUS_PROGRAM_ERRORS;
   }
 

@@ -103,6 +103,29 @@ class GeneratedCaptures(ToolTest):
                     difference = vcd.same(self.folder / "capture.vcd", self.folder / "pins.vcd", row[0])
                     self.assertEqual("", difference)
 
+    def test_what_takes_the_memory_option(self):
+        # One signal without any pattern: nothing folds, and the plain memory holds 524,280 vectors.
+        source, samples = random.Random(1), 530_000
+        changes = [(0, ["0!"])]
+        for t in range(1, samples):
+            if source.random() < 0.5:
+                changes.append((t, [f"{1 - int(changes[-1][1][0][0])}!"]))
+        self.write("capture.vcd", dump("1 us", [(1, "!", "NOISE")], changes, samples))
+        done = self.run_tool("run", "capture.vcd", "--vcd", "pins.vcd")
+        self.assertEqual((0, ""), (done.returncode, done.stderr))
+        self.assertIn("with memory option", done.stdout)
+        self.assertEqual("", vcd.same(self.folder / "capture.vcd", self.folder / "pins.vcd", 1_000_000))
+
+    def test_more_channels_than_five_modules_have(self):
+        for count, status in ((320, 0), (321, 2)):
+            with self.subTest(count=count):
+                variables = [(1, f"{chr(33 + i // 94)}{chr(33 + i % 94)}", f"S{i}") for i in range(count)]
+                zeros = [f"0{identifier}" for _, identifier, _ in variables]
+                self.write("capture.vcd", dump("1 us", variables, [(0, zeros), (90, ["1!!"])], 100))
+                done = self.run_tool("run", "capture.vcd", "--vcd", "pins.vcd")
+                self.assertEqual(status, done.returncode, done.stderr)
+                self.assertIn("5 modules" if status == 0 else "320", done.stdout + done.stderr)
+
 
 if __name__ == "__main__":
     unittest.main()
