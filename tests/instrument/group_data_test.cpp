@@ -1,0 +1,231 @@
+#include "instrument/instrument.h"
+#include "plain/group_text.h"
+#include "program/block_manager.h"
+#include "program/group_manager.h"
+#include "support/instrument_fixture.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace quillpg {
+namespace {
+
+constexpr Radix kRadixes[] = {Radix::Hex, Radix::Decimal, Radix::Octal, Radix::Binary};
+
+BLOCK& BlockOf(CInstrumentFixture& fixture) {
+  BLOCK* block = nullptr;
+  EXPECT_EQ(fixture.Blocks().GetBlock(0, &block), S_OK);
+  return *block;
+}
+
+// The bytes of the block, to see what a write left alone.
+std::string Bytes(const BLOCK& block) {
+  const auto size = static_cast<std::size_t>(block.GetBlockSize()) * block.RowBytes();
+  return {reinterpret_cast<const char*>(block.Data()), size};
+}
+
+class CRandomGroups {
+ public:
+  int Number(int low, int high) { return std::uniform_int_distribution<int>(low, high)(m_random); }
+
+  void Fill(BLOCK& block) {
+    const auto size = static_cast<std::size_t>(block.GetBlockSize()) * block.RowBytes();
+    for (std::size_t i = 0; i < size; ++i) block.Data()[i] = static_cast<std::uint8_t>(m_random());
+  }
+
+  // A group named `name` of `count` channels: in a row, scattered or mixed with bad numbers.
+  void Make(CGroupManager& groups, const std::string& name, int count) {
+    (void)groups.DeleteAll();
+    ASSERT_EQ(groups.AddGroup(name), S_OK);
+    GROUP* group = nullptr;
+    ASSERT_EQ(groups.GetGroup(name, &group), S_OK);
+    const int kind = Number(0, 2);
+    const int top = Number(count - 1, std::max(count, 330));
+    for (int i = 0; i < count; ++i) {
+      const int channel = kind == 0 ? top - i : kind == 1 ? Number(0, 319) : Number(-10, 400);
+      ASSERT_EQ(group->AddChannel(channel, -1), S_OK);
+    }
+  }
+
+  std::string Text(int count) {
+    static constexpr char kCharacters[] = "0123456789ABCDEFabcdef01010101 -xGz,";
+    std::string text(static_cast<std::size_t>(Number(0, count)), '0');
+    const int last = Number(0, 1) != 0 ? 1 : static_cast<int>(sizeof kCharacters) - 2;
+    for (char& c : text) c = kCharacters[Number(0, last)];
+    return text;
+  }
+
+ private:
+  std::mt19937 m_random{20240607};
+};
+
+TEST(GroupData, AgreesWithThePlainConversion) {
+  CInstrumentFixture fixture(5);
+  CInstrument& instrument = fixture.Instrument();
+  const CPlainGroupText plain(instrument);
+  BLOCK& block = BlockOf(fixture);
+  CRandomGroups random;
+  for (int round = 0; round < 400; ++round) {
+    const int count = round <= 320 ? round : random.Number(0, 400);
+    random.Make(fixture.Groups(), "Bus", count);
+    random.Fill(block);
+    const std::string before = Bytes(block);
+    for (const Radix radix : kRadixes) {
+      const std::string input = random.Text(2 * count + 3);
+      SCOPED_TRACE(std::to_string(count) + " channels, radix " +
+                   std::to_string(static_cast<int>(radix)) + ", text " + input);
+      const int vector = random.Number(0, block.GetBlockSize() - 1);
+      std::string text = "stale";
+      std::string expected;
+      ASSERT_EQ(instrument.GetGroupData(" bus ", 0, vector, radix, text), S_OK);
+      ASSERT_EQ(plain.Get("Bus", 0, vector, radix, expected), S_OK);
+      ASSERT_EQ(text, expected);
+
+      ASSERT_EQ(plain.Set("Bus", 0, vector, radix, input), S_OK);
+      const std::string wanted = Bytes(block);
+      std::copy(before.begin(), before.end(), reinterpret_cast<char*>(block.Data()));
+      ASSERT_EQ(instrument.SetGroupData("Bus", 0, vector, radix, input), S_OK);
+      ASSERT_EQ(Bytes(block), wanted);
+      std::copy(before.begin(), before.end(), reinterpret_cast<char*>(block.Data()));
+    }
+  }
+}
+
+TEST(GroupData, FailsOnlyForGroupBlockAndRadix) {
+  CInstrumentFixture fixture;
+  CInstrument& instrument = fixture.Instrument();
+  const auto unknown = static_cast<Radix>(7);
+  struct Row {
+    const char* group;
+    int block;
+    Radix radix;
+    Status status;
+    const char* text;
+  };
+  const Row rows[] = {
+      {"UserGrp1", 0, Radix::Hex, S_OK, "FFFF"},
+      {"Missing", 0, Radix::Hex, E_FAIL, "stale"},
+      {"UserGrp1", 1, Radix::Hex, E_FAIL, "stale"},
+      {"UserGrp1", -1, Radix::Decimal, E_FAIL, "stale"},
+      {"UserGrp1", 0, unknown, E_FAIL, ""},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(std::string(row.group) + " " + std::to_string(row.block));
+    std::string text = "stale";
+    EXPECT_EQ(instrument.GetGroupData(row.group, row.block, 0, row.radix, text), row.status);
+    EXPECT_EQ(text, row.text);
+    EXPECT_EQ(instrument.SetGroupData(row.group, row.block, 0, row.radix, "FFFF"), row.status);
+  }
+  std::string text;
+  EXPECT_EQ(instrument.GetGroupData("UserGrp1", 0, 40, Radix::Hex, text), S_OK);
+  EXPECT_EQ(text, "0000") << "past the end of the block";
+}
+
+TEST(GroupData, WritesARunOfVectorsCutAtTheBlock) {
+  struct Row {
+    int vector;
+    int count;
+    int first, end;  // vectors that change
+  };
+  const Row rows[] = {
+      {3, 1, 3, 4},           {3, 0, 3, 4},
+      {3, -5, 3, 4},          {10, 4, 10, 14},
+      {38, 9, 38, 40},        {40, 1, 0, 0},
+      {-2, 4, 0, 2},          {-2, 1, 0, 0},
+      {0, 2147483647, 0, 40}, {2147483647, 2147483647, 0, 0},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(std::to_string(row.vector) + ", " + std::to_string(row.count));
+    CInstrumentFixture fixture;
+    BLOCK& block = BlockOf(fixture);
+    (void)block.SetChanged(0);
+    (void)fixture.Blocks().SetModified(0);
+    EXPECT_EQ(
+        fixture.Instrument().SetGroupData("UserGrp2", 0, row.vector, Radix::Hex, "1234", row.count),
+        S_OK);
+    for (int i = 0; i < 40; ++i) {
+      std::string text;
+      (void)fixture.Instrument().GetGroupData("UserGrp2", 0, i, Radix::Hex, text);
+      EXPECT_EQ(text, i >= row.first && i < row.end ? "1234" : "FFFF") << i;
+    }
+    const bool wrote = row.first < row.end;
+    EXPECT_EQ(block.IsChanged(), wrote);
+    EXPECT_EQ(fixture.Blocks().IsModified(), wrote ? 1 : 0);
+  }
+}
+
+TEST(GroupData, SingleBitsAreBoundedByTheBlockItself) {
+  CInstrumentFixture fixture;
+  CInstrument& instrument = fixture.Instrument();
+  struct Row {
+    int channel, block, vector;
+    Status status;
+  };
+  const Row rows[] = {
+      {0, 0, 0, S_OK},    {63, 0, 39, S_OK},  {64, 0, 0, E_FAIL},
+      {-1, 0, 1, E_FAIL}, {-8, 0, 1, E_FAIL}, {0, 0, -1, E_FAIL},
+      {0, 0, 40, E_FAIL}, {0, 1, 0, E_FAIL},  {0, -1, 0, E_FAIL},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(std::to_string(row.channel) + "," + std::to_string(row.vector));
+    const std::string before = Bytes(BlockOf(fixture));
+    int bit = -1;
+    EXPECT_EQ(instrument.GetChannelData(row.channel, row.block, row.vector, bit), row.status);
+    EXPECT_EQ(bit, row.status == S_OK ? 1 : 0);
+    EXPECT_EQ(instrument.SetChannelData(row.channel, row.block, row.vector, 0), row.status);
+    EXPECT_EQ(Bytes(BlockOf(fixture)) == before, row.status != S_OK);
+  }
+  const BLOCK& block = BlockOf(fixture);
+  EXPECT_EQ(block.Data()[0], 0xFE);
+  EXPECT_EQ(block.Data()[39 * 8 + 7], 0x7F);
+}
+
+TEST(GroupData, PodDHoldsPodsInHighImpedance) {
+  for (const ChannelMode mode : {ChannelMode::Full, ChannelMode::Half}) {
+    SCOPED_TRACE(static_cast<int>(mode));
+    CInstrumentFixture fixture(2);
+    CInstrument& instrument = fixture.Instrument();
+    ASSERT_EQ(instrument.SetChannelMode(mode), S_OK);
+    const int pod = mode == ChannelMode::Full ? 16 : 8;
+    const int slave = 4 * pod;
+    const int control = slave + 3 * pod + 4;  // of the slave's pod A
+    ASSERT_EQ(instrument.SetInhibitByPodD(1, 0, 1), S_OK);
+
+    int mask = -1;
+    EXPECT_EQ(instrument.GetChannelInhibitMask(slave + pod - 1, 0, 5, mask), S_OK);
+    EXPECT_EQ(mask, 1);
+    EXPECT_EQ(instrument.SetChannelInhibitMask(slave, 0, 5, 0), S_OK);
+    int bit = -1;
+    EXPECT_EQ(instrument.GetChannelData(control, 0, 5, bit), S_OK);
+    EXPECT_EQ(bit, 0);
+    EXPECT_EQ(instrument.GetChannelInhibitMask(slave, 0, 5, mask), S_OK);
+    EXPECT_EQ(mask, 0);
+
+    // Not inhibited by data: mask 0, and only 0 can be set. No probe: a failure.
+    EXPECT_EQ(instrument.GetChannelInhibitMask(0, 0, 5, mask), S_OK);
+    EXPECT_EQ(mask, 0);
+    EXPECT_EQ(instrument.SetChannelInhibitMask(0, 0, 5, 0), S_OK);
+    EXPECT_EQ(instrument.SetChannelInhibitMask(0, 0, 5, 1), E_FAIL);
+    EXPECT_EQ(instrument.GetChannelInhibitMask(pod, 0, 5, mask), E_FAIL);
+    EXPECT_EQ(instrument.SetChannelInhibitMask(pod, 0, 5, 0), E_FAIL);
+
+    GROUP* group = nullptr;
+    ASSERT_EQ(fixture.Groups().AddGroup("Mixed"), S_OK);
+    ASSERT_EQ(fixture.Groups().GetGroup("Mixed", &group), S_OK);
+    for (const int channel : {slave, pod, -3, slave + 1, 0, 5000})
+      (void)group->AddChannel(channel, -1);
+    std::string text;
+    EXPECT_EQ(instrument.GetGroupInhibitMask("Mixed", 0, 6, Radix::Binary, text), S_OK);
+    EXPECT_EQ(text, "100100");
+    EXPECT_EQ(instrument.GetGroupInhibitMask("Mixed", 0, 5, Radix::Decimal, text), S_OK);
+    EXPECT_EQ(text, "0");
+  }
+}
+
+}  // namespace
+}  // namespace quillpg

@@ -1,0 +1,167 @@
+#include "instrument/instrument.h"
+#include "program/group_manager.h"
+#include "support/instrument_fixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace quillpg {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(InstrumentChannels, DefaultNamesTellModulePodSectionAndBit) {
+  struct Row {
+    int modules;
+    ChannelMode mode;
+    int channel;
+    const char* name;  // null for none
+  };
+  const Row rows[] = {
+      {1, ChannelMode::Full, 0, "A0(0)"},   {1, ChannelMode::Full, 9, "A1(1)"},
+      {1, ChannelMode::Full, 63, "D1(7)"},  {1, ChannelMode::Full, 64, nullptr},
+      {1, ChannelMode::Full, -1, nullptr},  {1, ChannelMode::Half, 9, "B0(1)"},
+      {1, ChannelMode::Half, 31, "D0(7)"},  {1, ChannelMode::Half, 32, nullptr},
+      {2, ChannelMode::Full, 9, "1A1(1)"},  {2, ChannelMode::Full, 73, "2A1(1)"},
+      {2, ChannelMode::Half, 41, "2B0(1)"}, {0, ChannelMode::Full, 0, nullptr},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(std::to_string(row.modules) + " modules, channel " + std::to_string(row.channel));
+    CInstrumentFixture fixture(row.modules);
+    CInstrument& instrument = fixture.Instrument();
+    ASSERT_EQ(instrument.SetChannelMode(row.mode), S_OK);
+    std::string name = "untouched";
+    EXPECT_EQ(instrument.GetChannelDefaultName(row.channel, name), row.name ? S_OK : E_FAIL);
+    EXPECT_EQ(name, row.name ? row.name : "untouched");
+    EXPECT_EQ(instrument.GetChannelName(row.channel, name), row.name ? S_OK : E_FAIL);
+    if (!row.name) continue;
+    EXPECT_EQ(name, "") << "an unnamed channel";
+    int channel = -1;
+    EXPECT_EQ(instrument.GetChannelId(row.name, channel), S_OK);
+    EXPECT_EQ(channel, row.channel);
+  }
+}
+
+TEST(InstrumentChannels, NamesAreUniqueAmongUserAndDefaultNames) {
+  struct Row {
+    const char* story;
+    int channel;
+    const char* name;
+    Status status;
+    const char* notified;  // null for nothing
+  };
+  const Row rows[] = {
+      {"new", 9, "Clock", S_OK, "OnChannelRenamed(Clock,9)"},
+      {"its own in another case", 9, "CLOCK", S_OK, nullptr},
+      {"its own default name", 9, "a1(1)", S_OK, nullptr},
+      {"another's name", 10, "clock", E_FAIL, nullptr},
+      {"another's default name", 10, "A0(0)", E_FAIL, nullptr},
+      {"a used name goes before a bad channel", 64, "clock", E_FAIL, nullptr},
+      {"a bad channel", 64, "Free", E_FAIL, nullptr},
+      {"none clears", 9, "", S_OK, "OnChannelRenamed(,9)"},
+      {"free again", 10, "clock", S_OK, "OnChannelRenamed(clock,10)"},
+  };
+  CInstrumentFixture fixture;
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.story);
+    EXPECT_EQ(fixture.Instrument().SetChannelName(row.channel, row.name), row.status);
+    if (row.notified) {
+      EXPECT_THAT(fixture.Handler().Take(), ElementsAre(row.notified));
+    } else {
+      EXPECT_THAT(fixture.Handler().Take(), IsEmpty());
+    }
+  }
+  int channel = 0;
+  EXPECT_EQ(fixture.Instrument().GetChannelId("", channel), E_FAIL);
+  EXPECT_EQ(channel, -1);
+}
+
+TEST(InstrumentChannels, UserNamesGoBeforeDefaultNames) {
+  CInstrumentFixture fixture(2);
+  CInstrument& instrument = fixture.Instrument();
+  // Channel 15 of pod D of the slave; in HALF mode that name is out of sight.
+  ASSERT_EQ(instrument.SetChannelName(127, "Last"), S_OK);
+  int channel = -1;
+  EXPECT_EQ(instrument.GetChannelId("last", channel), S_OK);
+  EXPECT_EQ(channel, 127);
+  // A name that becomes another channel's default name is still found as a user name.
+  ASSERT_EQ(instrument.SetChannelName(5, "B0(0)"), S_OK);
+  ASSERT_EQ(instrument.RemoveModuleAt(1), S_OK);
+  EXPECT_EQ(instrument.GetChannelId("B0(0)", channel), S_OK);
+  EXPECT_EQ(channel, 5);
+  EXPECT_EQ(instrument.GetChannelId("Last", channel), E_FAIL);
+  EXPECT_EQ(channel, -1);
+}
+
+class CGroupEdit {
+ public:
+  CGroupEdit() {
+    (void)m_fixture.Groups().DeleteAll();
+    (void)m_fixture.Groups().AddGroup("Bus");
+    (void)m_fixture.Groups().AddGroup("Other");
+    (void)Instrument().AddChannelToGroup("Other", 0, -1);
+  }
+  CInstrument& Instrument() { return m_fixture.Instrument(); }
+  GROUP& Bus() {
+    GROUP* group = nullptr;
+    (void)m_fixture.Groups().GetGroup("Bus", &group);
+    return *group;
+  }
+
+ private:
+  CInstrumentFixture m_fixture;
+};
+
+TEST(InstrumentChannels, EnterGroupsOnceAndWhereAsked) {
+  struct Row {
+    int channel;
+    int position;
+    Status status;
+    std::vector<int> channels;
+    const char* names;
+  };
+  const Row rows[] = {
+      {0, -1, S_OK, {0}, "A0(0)"},  // another group's channel is welcome
+      {0, -1, E_FAIL, {0}, "A0(0)"},
+      {1, 0, S_OK, {1, 0}, "A0(1),A0(0)"},
+      {2, 1, S_OK, {1, 2, 0}, "A0(1),A0(2),A0(0)"},
+      {3, 99, S_OK, {1, 2, 0, 3}, "A0(1),A0(2),A0(0),A0(3)"},  // no filling up to the position
+      {64, 0, E_FAIL, {1, 2, 0, 3}, "A0(1),A0(2),A0(0),A0(3)"},
+      {-1, 0, E_FAIL, {1, 2, 0, 3}, "A0(1),A0(2),A0(0),A0(3)"},
+  };
+  CGroupEdit edit;
+  for (const Row& row : rows) {
+    SCOPED_TRACE(std::to_string(row.channel) + " at " + std::to_string(row.position));
+    EXPECT_EQ(edit.Instrument().AddChannelToGroup(" BUS ", row.channel, row.position), row.status);
+    EXPECT_EQ(edit.Bus().Channels(), row.channels);
+    EXPECT_EQ(edit.Bus().GetChannelNames(), row.names);
+  }
+  EXPECT_EQ(edit.Instrument().AddChannelToGroup("None", 5, -1), E_FAIL);
+  EXPECT_EQ(edit.Instrument().DeleteChannelFromGroup("Bus", 2), S_OK);
+  EXPECT_EQ(edit.Bus().GetChannelNames(), "A0(1),A0(0),A0(3)");
+  EXPECT_EQ(edit.Instrument().DeleteChannelFromGroup("Bus", 2), E_FAIL);
+}
+
+TEST(InstrumentChannels, SectionsMoveEightChannelsAtATime) {
+  CGroupEdit edit;
+  CInstrument& instrument = edit.Instrument();
+  ASSERT_EQ(instrument.SetChannelName(12, "Mid"), S_OK);
+  ASSERT_EQ(instrument.AddChannelToGroup("Bus", 40, -1), S_OK);
+  ASSERT_EQ(instrument.AddChannelToGroup("Bus", 12, -1), S_OK);
+  EXPECT_EQ(instrument.AddSectionToGroup("Bus", 1, 1), S_OK);  // but for 12, already there
+  EXPECT_THAT(edit.Bus().Channels(), ElementsAre(40, 15, 14, 13, 11, 10, 9, 8, 12));
+  EXPECT_EQ(edit.Bus().GetChannelNames(), "C1(0),A1(7),A1(6),A1(5),A1(3),A1(2),A1(1),A1(0),Mid");
+  EXPECT_EQ(instrument.AddSectionToGroup("Bus", 8, -1), E_FAIL);
+  EXPECT_EQ(instrument.AddSectionToGroup("Bus", -1, -1), E_FAIL);
+  EXPECT_EQ(instrument.DeleteSectionFromGroup("Bus", 1), S_OK);
+  EXPECT_THAT(edit.Bus().Channels(), ElementsAre(40));
+  EXPECT_EQ(instrument.DeleteSectionFromGroup("Bus", 1), E_FAIL);
+  EXPECT_EQ(instrument.DeleteSectionFromGroup("Bus", 2147483647), E_FAIL);
+}
+
+}  // namespace
+}  // namespace quillpg

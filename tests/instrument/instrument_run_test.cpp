@@ -1,0 +1,135 @@
+#include "hardware/module.h"
+#include "instrument/instrument.h"
+#include "support/instrument_fixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace quillpg {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+ModuleState StateOf(const CInstrument& instrument) {
+  ModuleState state = ModuleState::Idle;
+  EXPECT_EQ(instrument.GetInstrumentState(state), S_OK);
+  return state;
+}
+
+TEST(InstrumentRun, SlavesFollowBeforeTheMasterStarts) {
+  CInstrumentFixture fixture(3);
+  fixture.Simulation().LogCalls(true);
+  EXPECT_EQ(fixture.Instrument().Run(), S_OK);
+  EXPECT_THAT(
+      fixture.Simulation().TakeCalls(),
+      ElementsAre("0 SetWeldMode(0)", "0 EnableOutput(1)", "0 Initiate()", "1 SetWeldMode(0)",
+                  "1 EnableOutput(1)", "1 Initiate()", "2 SetWeldMode(0)", "2 EnableOutput(1)",
+                  "2 Initiate()", "1 SetWeldMode(1)", "2 SetWeldMode(2)", "0 Start()"));
+  EXPECT_EQ(StateOf(fixture.Instrument()), ModuleState::Running);
+  // Idle was announced before the start; the start itself is not.
+  EXPECT_THAT(fixture.Handler().Take(), ElementsAre("OnInstrumentIdle(1)"));
+}
+
+TEST(InstrumentRun, IsRefusedQuietlyWhileDisabledOrBusy) {
+  CInstrumentFixture fixture;
+  CInstrument& instrument = fixture.Instrument();
+  fixture.Simulation().LogCalls(true);
+  (void)instrument.EnableInstrument(0);
+  EXPECT_EQ(instrument.Run(), S_OK);
+  EXPECT_THAT(fixture.Handler().Take(), IsEmpty());
+  EXPECT_THAT(fixture.Simulation().TakeCalls(), IsEmpty());
+
+  (void)instrument.EnableInstrument(1);
+  fixture.Simulation().SetSequencerText(0, "WAIT");
+  EXPECT_EQ(instrument.Run(), S_OK);
+  (void)fixture.Simulation().TakeCalls();
+  EXPECT_EQ(instrument.Run(), S_OK);
+  EXPECT_EQ(StateOf(instrument), ModuleState::Waiting);
+  EXPECT_THAT(fixture.Simulation().TakeCalls(), IsEmpty());
+}
+
+TEST(InstrumentRun, NeedsMasterHardware) {
+  CEngineFixture fixture(1);
+  CModule offline;
+  CInstrument instrument;
+  (void)instrument.Initialize();
+  EXPECT_EQ(instrument.Run(), E_FAIL);
+  EXPECT_EQ(instrument.UpdateInstrumentState(), E_FAIL);
+  (void)instrument.AddModule(&offline);
+  (void)instrument.AddModule(&fixture.Module(0));  // hardware, but not the master's
+  EXPECT_EQ(instrument.Run(), E_FAIL);
+  EXPECT_EQ(instrument.Advance(), E_FAIL);
+  EXPECT_EQ(instrument.Jump(), E_FAIL);
+  EXPECT_EQ(instrument.Step(1), E_FAIL);
+  EXPECT_EQ(StateOf(instrument), ModuleState::Idle);
+}
+
+TEST(InstrumentRun, StateFollowsTheSequencer) {
+  struct Row {
+    const char* text;
+    ModuleState state;
+    const char* notified;
+    std::vector<std::string> calls;
+  };
+  const std::vector<std::string> ended = {"0 SetWeldMode(0)",  "0 Abort()",
+                                          "1 SetWeldMode(0)",  "1 Abort()",
+                                          "0 EnableOutput(0)", "1 EnableOutput(0)"};
+  const Row rows[] = {
+      {"INIT", ModuleState::Initialising, "OnInstrumentIdle(0)", {}},
+      {"wait", ModuleState::Waiting, "OnInstrumentIdle(0)", {}},
+      {"Runn", ModuleState::Running, "OnInstrumentIdle(0)", {}},
+      {"IDL", ModuleState::Idle, "OnInstrumentIdle(1)", ended},
+      {"IDLE", ModuleState::Idle, "OnInstrumentIdle(1)", ended},  // unknown counts as idle
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.text);
+    CInstrumentFixture fixture(2);
+    ASSERT_EQ(fixture.Instrument().Run(), S_OK);
+    fixture.Simulation().SetSequencerText(0, row.text);
+    (void)fixture.Handler().Take();
+    fixture.Simulation().LogCalls(true);
+    EXPECT_EQ(fixture.Instrument().UpdateInstrumentState(), S_OK);
+    EXPECT_EQ(StateOf(fixture.Instrument()), row.state);
+    EXPECT_THAT(fixture.Handler().Take(), ElementsAre(row.notified));
+    EXPECT_EQ(fixture.Simulation().TakeCalls(), row.calls);
+  }
+}
+
+TEST(InstrumentRun, HandlerMayPollAgainWhenToldOfTheEnd) {
+  CInstrumentFixture fixture;
+  ASSERT_EQ(fixture.Instrument().Run(), S_OK);
+  fixture.Simulation().SetSequencerText(0, "IDL");
+  (void)fixture.Handler().Take();
+  int polls = 0;
+  fixture.Handler().onAny = [&] {
+    if (++polls > 1) return;
+    EXPECT_EQ(fixture.Instrument().UpdateInstrumentState(), S_OK);
+  };
+  EXPECT_EQ(fixture.Instrument().UpdateInstrumentState(), S_OK);
+  EXPECT_THAT(fixture.Handler().Take(), ElementsAre("OnInstrumentIdle(1)", "OnInstrumentIdle(1)"));
+}
+
+TEST(InstrumentRun, HighImpedanceOnStopDecidesTheOutputs) {
+  CInstrumentFixture fixture;
+  CInstrument& instrument = fixture.Instrument();
+  fixture.Simulation().LogCalls(true);
+  EXPECT_EQ(instrument.Stop(), S_OK);  // also when nothing runs, and without a word
+  EXPECT_THAT(fixture.Simulation().TakeCalls(), ElementsAre("0 Abort()", "0 EnableOutput(0)"));
+  EXPECT_EQ(instrument.SetHiZOnStop(0), S_OK);
+  EXPECT_THAT(fixture.Simulation().TakeCalls(), ElementsAre("0 EnableOutput(1)"));
+  EXPECT_EQ(instrument.Stop(), S_OK);
+  EXPECT_THAT(fixture.Simulation().TakeCalls(), ElementsAre("0 Abort()"));
+  EXPECT_THAT(fixture.Handler().Take(), IsEmpty());
+
+  ASSERT_EQ(instrument.Run(), S_OK);
+  (void)fixture.Simulation().TakeCalls();
+  EXPECT_EQ(instrument.SetHiZOnStop(1), S_OK);  // only stored while running
+  EXPECT_THAT(fixture.Simulation().TakeCalls(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace quillpg
