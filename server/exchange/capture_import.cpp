@@ -101,8 +101,15 @@ Status CCaptureImport::Plan(RATIO period) {
         const Status status = finder.Find(m_capture, period, plan.grid);
         if (Failed(status)) return Fail(status, m_capture.file + ": " + finder.GetErrorText());
         if (!ReportProgress(30)) return PG_E_ABORTED;
-        const Status chosen = ChooseHardware(plan);
+        Status chosen = ChooseHardware(plan);
+        if (chosen == PG_E_LIMIT && !period.IsSet() &&
+            !Failed(finder.FindCoarser(m_capture, plan.grid))) {
+          const std::string refusal = m_errorText;
+          chosen = ChooseHardware(plan);
+          if (Failed(chosen)) m_errorText = refusal;
+        }
         if (Failed(chosen)) return chosen;
+        m_errorText.clear();
         m_notices = m_capture.notices;
         if (plan.grid.merged > 0) {
           m_notices.push_back(

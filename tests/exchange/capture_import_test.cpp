@@ -164,6 +164,24 @@ TEST(CaptureImport, RefusesWithTheFigures) {
   }
 }
 
+TEST(CaptureImport, TakesACoarserGridWhereTheExactOneDoesNotFit) {
+  // 12 MHz in ticks of 10 ns: the common step, a tick, gives 8 1/3 vectors for each sample.
+  std::string text = "$timescale 10 ns $end $var wire 1 ! D $end $enddefinitions $end\n";
+  constexpr std::int64_t kSamples = 260'000;
+  std::uint64_t level = 2;
+  for (std::int64_t i = 0; i < kSamples; ++i) {
+    if (level == Noise(i, 0)) continue;
+    level = Noise(i, 0);
+    text += "#" + std::to_string((i * 50 + 3) / 6) + (level ? " 1!\n" : " 0!\n");
+  }
+  const CCaptureFile file(text + "#" + std::to_string((kSamples * 50 + 3) / 6));
+  CCaptureImport import;
+  ASSERT_EQ(import.Read(file.Path()), S_OK) << import.GetErrorText();
+  ASSERT_EQ(import.Plan(RATIO{}), S_OK) << import.GetErrorText();
+  EXPECT_EQ(import.GetPlan().grid.period, (RATIO{1, 12'000'000}));
+  EXPECT_EQ(import.GetLength(), kSamples);
+}
+
 TEST(CaptureImport, NamesGroupsApartAndPinsAsTheCaptureDoes) {
   const CCaptureFile file(
       "$comment at 1 MHz $end $timescale 1 us $end $var wire 1 a Clk $end\n"
