@@ -2,6 +2,7 @@
 //   packing    pattern words of a module over the conversion bit by bit, and over memcpy
 //   compile    a program at the limits over linear name look-ups
 //   group text cell values of a grid over the conversion channel by channel
+//   grid       50 vectors of a large block over walks through rows and channels
 //   vcd        played vectors to VCD text over a stream written bit by bit
 //   play       10,000,000 played vectors over memcpy
 //   lfsr       pseudo-random bits and fills over one step and one bit at a time
@@ -19,6 +20,7 @@ void RegisterVcdBenches();
 void RegisterPackingBenches();
 void RegisterPlayBenches();
 void RegisterShiftRegisterBenches();
+void RegisterWaveformBenches();
 }  // namespace quillpg::bench
 
 int main(int argc, char** argv) {
@@ -31,5 +33,6 @@ int main(int argc, char** argv) {
   quillpg::bench::RegisterPackingBenches();
   quillpg::bench::RegisterPlayBenches();
   quillpg::bench::RegisterShiftRegisterBenches();
+  quillpg::bench::RegisterWaveformBenches();
   return quillpg::bench::RunAndPrintRatios();
 }

@@ -143,7 +143,7 @@ Status CInstrument::GetGroupInhibitMask(const std::string& group, int block, int
   if (!data) return E_FAIL;
   return GuardAllocation([&] {
     // Grids ask for the mask of every value that they show: one look at each pod, not each channel.
-    std::array<std::uint8_t, MAX_INSTRUMENT_MODULES * NUM_PODS> inhibited{};
+    std::array<std::uint8_t, std::size_t{MAX_INSTRUMENT_MODULES} * NUM_PODS> inhibited{};
     for (std::size_t pod = 0; pod < NUM_PODS * m_modules.size(); ++pod) {
       int control = -1;
       (void)FindInhibitControl(static_cast<int>(pod) * ChannelsPerPod(), control);
