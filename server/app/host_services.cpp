@@ -1,10 +1,10 @@
 #include "quillpg/host_services.h"
 
 #include "app/version_info.h"
+#include "base/local_time.h"
 
 #include <chrono>
 #include <cstdio>
-#include <ctime>
 #include <filesystem>
 #include <system_error>
 
@@ -37,24 +37,6 @@ fs::path LoadedFrom() {
   }
 #endif
   return {};
-}
-
-bool ToLocalTime(std::time_t time, std::tm& local) {
-#if defined(_WIN32)
-  return localtime_s(&local, &time) == 0;
-#else
-  return localtime_r(&time, &local) != nullptr;
-#endif
-}
-
-// "%m/%d/%y %I:%M %p", written out so that no locale takes part.
-std::string FormatTime(const std::tm& time) {
-  const int hour = time.tm_hour % 12;
-  char buffer[96];
-  const int length = std::snprintf(
-      buffer, sizeof buffer, "%02d/%02d/%02d %02d:%02d %s", time.tm_mon + 1, time.tm_mday,
-      time.tm_year % 100, hour == 0 ? 12 : hour, time.tm_min, time.tm_hour < 12 ? "AM" : "PM");
-  return {buffer, static_cast<std::size_t>(length)};
 }
 
 }  // namespace
@@ -111,13 +93,13 @@ void CHostServices::GetFileModifiedTime(const std::string& path, std::string& te
   if (error) return;
   const auto wall = std::chrono::time_point_cast<std::chrono::system_clock::duration>(
       fs::file_time_type::clock::to_sys(modified));
-  std::tm local{};
-  if (ToLocalTime(std::chrono::system_clock::to_time_t(wall), local)) text = FormatTime(local);
+  text = LocalTimeText(std::chrono::system_clock::to_time_t(wall));
 }
 
 bool CHostServices::FileExists(const std::string& path) {
   std::error_code error;
-  return fs::is_regular_file(path, error);
+  const fs::file_status status = fs::status(path, error);
+  return fs::exists(status) && !fs::is_directory(status);
 }
 
 void CHostServices::GetExecutableDirectory(std::string& path) {

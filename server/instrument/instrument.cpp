@@ -208,6 +208,10 @@ Status CInstrument::SetInstrumentName(const std::string& name) {
   return status;
 }
 
+Status CInstrument::RestoreInstrumentName(const std::string& name) {
+  return StoreText(m_name, name);
+}
+
 Status CInstrument::GetComment(std::string& comment) const { return StoreText(comment, m_comment); }
 Status CInstrument::SetComment(const std::string& comment) { return StoreText(m_comment, comment); }
 Status CInstrument::GetFileName(std::string& name) const { return StoreText(name, m_fileName); }

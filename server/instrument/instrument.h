@@ -89,6 +89,8 @@ class QUILLPG_API CInstrument {
   Status GetInstrumentName(std::string& name) const;
   /// Raises OnInstrumentRenamed when the name differs, case included.
   Status SetInstrumentName(const std::string& name);
+  /// Stores a name that, for the front end, the instrument never lost: raises nothing.
+  Status RestoreInstrumentName(const std::string& name);
   Status GetComment(std::string& comment) const;
   Status SetComment(const std::string& comment);
   Status GetFileName(std::string& name) const;

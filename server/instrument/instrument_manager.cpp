@@ -14,6 +14,7 @@
 #include "quillpg/limits.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 
 namespace quillpg {
@@ -344,13 +345,16 @@ Status CInstrumentManager::GetSize(unsigned long& size, int flag, int position) 
     if (!InList(position)) return E_FAIL;
     return At(position) ? At(position)->GetSize(size, flag) : S_OK;
   }
+  std::uint64_t bytes = 0;
   for (const CInstrument* instrument : m_instruments) {
     unsigned long part = 0;
     if (!instrument) continue;
     const Status status = instrument->GetSize(part, flag);
     if (Failed(status)) return status;
-    size += part;
+    bytes += part;
   }
+  size = static_cast<unsigned long>(
+      std::min<std::uint64_t>(bytes, std::numeric_limits<std::uint32_t>::max()));
   return S_OK;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/byte_stream.h"
 #include "quillpg/result_codes.h"
 
 #include <cstdint>
@@ -18,13 +19,13 @@ namespace quillpg {
 /// A symbolic link is followed and the file it names replaced. Written in place, so that a failure
 /// there can damage the old file, are only: what is no regular file (a device, a pipe), a file with
 /// several hard links (a replacement would part them), and one in a folder that takes no new file.
-class CAtomicFile {
+class CAtomicFile : public CByteSink {
  public:
   CAtomicFile() = default;
   CAtomicFile(const CAtomicFile&) = delete;
   CAtomicFile& operator=(const CAtomicFile&) = delete;
   /// Discards what was not committed.
-  ~CAtomicFile() { Discard(); }
+  ~CAtomicFile() override { Discard(); }
 
   /// PG_E_FILE_NOT_OPENED for a target that may not be written or created, or that another saver
   /// writes right now; nothing is changed then. Discards an open file first.
@@ -33,6 +34,7 @@ class CAtomicFile {
 
   /// E_FAIL when not all bytes were taken, now or earlier.
   Status Write(std::span<const std::uint8_t> bytes);
+  bool Put(std::span<const std::uint8_t> bytes) override { return Write(bytes) == S_OK; }
 
   /// Flushes to disk, closes and puts the file in the target's place. E_FAIL, with the old file as
   /// it was, when one of these or an earlier Write failed.
