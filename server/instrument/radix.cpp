@@ -53,10 +53,10 @@ constexpr std::array<std::uint64_t, 20> MakePowersOfTen() {
 constexpr std::array<std::uint64_t, 20> kPowersOfTen = MakePowersOfTen();
 
 // The two digits of every number below Base x Base.
-template <unsigned Base>
+template <std::size_t Base>
 constexpr std::array<char, 2 * Base * Base> MakeDigitPairs() {
   std::array<char, 2 * Base * Base> pairs{};
-  for (unsigned i = 0; i < Base * Base; ++i) {
+  for (std::size_t i = 0; i < pairs.size() / 2; ++i) {
     pairs[2 * i] = kDigitChars[i / Base];
     pairs[2 * i + 1] = kDigitChars[i % Base];
   }
@@ -127,7 +127,7 @@ void FormatWideDecimal(std::span<const std::uint64_t> value, std::string& text) 
 }
 
 // Writes the digits of a number below 100 in front of `end`.
-char* WriteTwoDigits(char* end, unsigned number) {
+char* WriteTwoDigits(char* end, std::size_t number) {
   std::memcpy(end - 2, &kDecimalPairs[2 * number], 2);
   return end - 2;
 }
