@@ -3,14 +3,15 @@
 #include "hardware/tap_settings.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 
 namespace quillpg {
 
 namespace {
 
-constexpr int kStages = 32;
+constexpr int kStages = MAX_SHIFT_REGISTERS;
+constexpr std::size_t kLongestRun =
+    128;  // words; what a run is made of stays in the fastest memory
 
 constexpr std::uint32_t StageBit(int stage) {
   return stage >= 0 && stage < kStages ? std::uint32_t{1} << (kStages - 1 - stage) : 0;
@@ -66,52 +67,99 @@ int CShiftRegisterGenerator::getNextData() {
   return out;
 }
 
-std::uint64_t CShiftRegisterGenerator::Step64() {
-  std::uint64_t word = 0;
-  for (int i = 0; i < 64; ++i) word |= static_cast<std::uint64_t>(getNextData()) << i;
-  return word;
-}
-
-// The stream obeys out(t + n) = sum over j of out(t + j), where j = 0 stands for the last stage and
-// j = n - 1 - r for a tapped stage r. Squared six times over GF(2) the same recurrence holds at a
-// distance of 64 bits, which makes it one of whole words: w(i + n) = sum over j of w(i + j).
+// The stream obeys out(t) = sum over the terms of out(t - distance), a term for each stage that
+// feeds back, stage r at distance r + 1. Squared over GF(2) the same recurrence holds at twice the
+// distances: once squared it makes two bits at a time of earlier pairs, six times squared it is one
+// of whole words, and from there on of runs of words. So each pass below makes pieces twice as long
+// as the one before, as soon as there is enough of the stream behind them.
 void CShiftRegisterGenerator::getNextWords(std::span<std::uint64_t> words, std::int64_t count) {
   const auto n = static_cast<std::size_t>(m_registers);
   const auto full = static_cast<std::size_t>(count / 64);
-  std::size_t i = 0;
-  for (; i < std::min(full, n); ++i) words[i] = Step64();
+  std::size_t made = 0;
+  if (full >= n) {
+    const TERMS terms = FeedbackTerms();
+    MakeFirstWords(terms, words.data());
+    for (made = n; made < full;) {
+      const std::size_t run = std::min(std::bit_floor(made / n), kLongestRun);
+      const std::size_t length = std::min(run, full - made);
+      MakeRun(terms, words.data() + made, run, length);
+      made += length;
+    }
+    TakeUp(terms, words[full - 1]);
+  }
+  for (; made < full; ++made) words[made] = StepBits(64);
+  if (count % 64 != 0) words[full] = StepBits(static_cast<int>(count % 64));
+}
 
+CShiftRegisterGenerator::TERMS CShiftRegisterGenerator::FeedbackTerms() const {
   // A tap on the last stage feeds it back twice, which cancels.
   const std::uint32_t feedback = (m_taps & FirstStages(m_registers)) ^ StageBit(m_registers - 1);
-  std::array<std::size_t, kStages> distances{};  // how many words back each term lies
-  std::size_t terms = 0;
+  TERMS terms;
   for (int stage = 0; stage < m_registers; ++stage) {
-    if ((feedback & StageBit(stage)) != 0) distances[terms++] = static_cast<std::size_t>(stage) + 1;
-  }
-  for (; i < full; ++i) {
-    std::uint64_t word = 0;
-    for (std::size_t k = 0; k < terms; ++k) word ^= words[i - distances[k]];
-    words[i] = word;
-  }
-  if (full > n) {
-    // The register holds what leaves it next: run the recurrence on from the last words to find it.
-    std::uint64_t window = words[full - 1];
-    for (int step = 0; step < m_registers; ++step) {
-      std::uint64_t next = 0;
-      for (std::size_t k = 0; k < terms; ++k) next ^= window >> (64 - distances[k]);
-      window = window >> 1 | (next & 1) << 63;
-    }
-    // Bit 63 - r of the window stands in stage r; stages behind the last one remember older bits.
-    m_value = 0;
-    for (int stage = 0; stage < kStages; ++stage) {
-      if ((window >> (63 - stage) & 1) != 0) m_value |= StageBit(stage);
+    if ((feedback & StageBit(stage)) != 0) {
+      terms.distances[terms.count++] = static_cast<std::size_t>(stage) + 1;
     }
   }
-  if (const int rest = static_cast<int>(count % 64); rest != 0) {
-    std::uint64_t word = 0;
-    for (int bit = 0; bit < rest; ++bit) word |= static_cast<std::uint64_t>(getNextData()) << bit;
-    words[full] = word;
+  return terms;
+}
+
+std::uint64_t CShiftRegisterGenerator::StepBits(int count) {
+  std::uint64_t word = 0;
+  for (int i = 0; i < count; ++i) word |= static_cast<std::uint64_t>(getNextData()) << i;
+  return word;
+}
+
+// As many words as the register has stages, from the bits that it holds: those leave it next.
+void CShiftRegisterGenerator::MakeFirstWords(const TERMS& terms, std::uint64_t* words) const {
+  const auto n = static_cast<std::size_t>(m_registers);
+  std::fill_n(words, n, 0);
+  words[0] = m_value >> (kStages - m_registers);
+  for (std::size_t piece = 1; piece < 64; piece *= 2) {
+    const std::uint64_t mask = (std::uint64_t{1} << piece) - 1;
+    for (std::size_t bit = n * piece; bit < 2 * n * piece; bit += piece) {
+      std::uint64_t bits = 0;
+      for (std::size_t k = 0; k < terms.count; ++k) {
+        const std::size_t from = bit - terms.distances[k] * piece;
+        bits ^= words[from / 64] >> (from % 64);
+      }
+      words[bit / 64] |= (bits & mask) << (bit % 64);
+    }
   }
+}
+
+// `length` words of earlier runs of `run` words, which reach back by whole runs.
+void CShiftRegisterGenerator::MakeRun(const TERMS& terms, std::uint64_t* words, std::size_t run,
+                                      std::size_t length) {
+  if (terms.count == 0) {  // the only tap cancels the last stage
+    std::fill_n(words, length, 0);
+    return;
+  }
+  const auto earlier = [&](std::size_t k) { return words - terms.distances[k] * run; };
+  // Two terms a pass. Settings of maximal length have an even number of them.
+  if (terms.count % 2 != 0) {
+    std::copy_n(earlier(0), length, words);
+  } else {
+    const std::uint64_t* a = earlier(0);
+    const std::uint64_t* b = earlier(1);
+    for (std::size_t i = 0; i < length; ++i) words[i] = a[i] ^ b[i];
+  }
+  for (std::size_t k = 2 - terms.count % 2; k < terms.count; k += 2) {
+    const std::uint64_t* a = earlier(k);
+    const std::uint64_t* b = earlier(k + 1);
+    for (std::size_t i = 0; i < length; ++i) words[i] ^= a[i] ^ b[i];
+  }
+}
+
+// Leaves the register as it is after the stream's bits up to those of `window`.
+void CShiftRegisterGenerator::TakeUp(const TERMS& terms, std::uint64_t window) {
+  // It holds what leaves it next: run the recurrence on to find it.
+  for (int step = 0; step < m_registers; ++step) {
+    std::uint64_t next = 0;
+    for (std::size_t k = 0; k < terms.count; ++k) next ^= window >> (64 - terms.distances[k]);
+    window = window >> 1 | (next & 1) << 63;
+  }
+  // Bit 63 - r stands in stage r; stages behind the last one remember older bits.
+  m_value = static_cast<std::uint32_t>(window >> 32);
 }
 
 }  // namespace quillpg

@@ -2,6 +2,8 @@
 
 #include "quillpg/api.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -53,7 +55,18 @@ class QUILLPG_API CShiftRegisterGenerator {
   void getNextWords(std::span<std::uint64_t> words, std::int64_t count);
 
  private:
-  std::uint64_t Step64();
+  /// What feeds back: the distances, in steps, between a bit and the earlier ones it is the sum of.
+  struct TERMS {
+    std::array<std::size_t, 32> distances{};
+    std::size_t count = 0;
+  };
+
+  TERMS FeedbackTerms() const;
+  std::uint64_t StepBits(int count);
+  void MakeFirstWords(const TERMS& terms, std::uint64_t* words) const;
+  static void MakeRun(const TERMS& terms, std::uint64_t* words, std::size_t run,
+                      std::size_t length);
+  void TakeUp(const TERMS& terms, std::uint64_t window);
 
   std::uint32_t m_value = 0xFFFFFFFFu;
   std::uint32_t m_taps = 0;

@@ -9,6 +9,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
+#include <span>
 #include <vector>
 
 namespace quillpg {
@@ -16,6 +18,10 @@ namespace quillpg {
 namespace {
 
 constexpr int kSide = 64;
+
+// Squares that are gathered at a time: streams lie a power of two apart more often than not, where
+// few of their cache lines can stay at once, so all of a line's words are taken when it is there.
+constexpr int kSquares = 8;
 
 using SQUARE = std::array<std::uint64_t, kSide>;
 
@@ -54,22 +60,29 @@ std::uint64_t FromRowOrder(std::uint64_t word) {
 // The bits of several channels, one stream of `count` bits behind the other.
 class CStreams {
  public:
-  // One word more than needed lets At read pairs.
-  explicit CStreams(std::size_t streams, std::int64_t count)
-      : m_count(count), m_words(Words(static_cast<std::int64_t>(streams)) + 1) {}
-
-  void Take(std::size_t streams, CShiftRegisterGenerator& generator) {
-    const auto bits = static_cast<std::int64_t>(streams) * m_count;
-    generator.getNextWords({m_words.data(), Words(static_cast<std::int64_t>(streams))}, bits);
+  CStreams(std::size_t streams, std::int64_t count) : m_count(count) {
+    // One word more than needed lets Copy read pairs.
+    const std::size_t words = Words(static_cast<std::int64_t>(streams));
+    m_words = std::make_unique_for_overwrite<std::uint64_t[]>(words + 1);
+    m_words[words] = 0;
   }
 
-  // 64 bits of the stream from `position` on; those behind its end mean nothing.
-  std::uint64_t At(int stream, std::int64_t position) const {
+  void Generate(std::size_t streams, CShiftRegisterGenerator& generator) {
+    const auto number = static_cast<std::int64_t>(streams);
+    generator.getNextWords({m_words.get(), Words(number)}, number * m_count);
+  }
+
+  // Copies 64 bits to word `place` of each square, from bit `position` of the stream on. Bits
+  // behind its end mean nothing.
+  void Copy(int stream, std::int64_t position, std::span<SQUARE> squares, std::size_t place) const {
     const std::int64_t bit = stream * m_count + position;
-    const auto word = static_cast<std::size_t>(bit / 64);
+    const std::uint64_t* word = m_words.get() + bit / 64;
     const int shift = static_cast<int>(bit % 64);
-    // Two shifts, because one by 64 is none.
-    return m_words[word] >> shift | m_words[word + 1] << 1 << (63 - shift);
+    for (SQUARE& square : squares) {
+      // Two shifts, because one by 64 is none.
+      square[place] = word[0] >> shift | word[1] << 1 << (63 - shift);
+      ++word;
+    }
   }
 
  private:
@@ -78,7 +91,7 @@ class CStreams {
   }
 
   std::int64_t m_count;
-  std::vector<std::uint64_t> m_words;
+  std::unique_ptr<std::uint64_t[]> m_words;
 };
 
 // The channels 64k to 64k + 63 of a block: which stream fills each, -1 for none.
@@ -105,15 +118,20 @@ void FillColumn(const COLUMN& column, const CStreams& streams, int count, std::u
                 std::size_t rowBytes, std::size_t bytes) {
   const std::uint64_t filled = FromRowOrder(column.filled);
   const auto store = bytes == 8 ? StoreRows<8> : bytes == 4 ? StoreRows<4> : StoreRows<0>;
-  for (int vector = 0; vector < count; vector += kSide) {
-    SQUARE square;
+  std::array<SQUARE, kSquares> squares{};  // channels without a stream stay 0
+  for (int first = 0; first < count; first += kSquares * kSide) {
+    const auto used =
+        static_cast<std::size_t>((std::min(kSquares * kSide, count - first) + kSide - 1) / kSide);
     for (std::size_t c = 0; c < kSide; ++c) {
-      const int stream = column.streams[c];
-      square[c] = stream < 0 ? 0 : streams.At(stream, vector);
+      if (column.streams[c] >= 0) streams.Copy(column.streams[c], first, {squares.data(), used}, c);
     }
-    Transpose(square);
-    store(square, std::min(kSide, count - vector), filled,
-          target + static_cast<std::size_t>(vector) * rowBytes, rowBytes, bytes);
+    for (std::size_t i = 0; i < used; ++i) {
+      SQUARE rows = squares[i];
+      Transpose(rows);
+      const int vector = first + static_cast<int>(i) * kSide;
+      store(rows, std::min(kSide, count - vector), filled,
+            target + static_cast<std::size_t>(vector) * rowBytes, rowBytes, bytes);
+    }
   }
 }
 
@@ -128,7 +146,7 @@ void FillChannels(BLOCK& block, std::span<const int> channels, int first, int co
   while (!channels.empty()) {
     const auto batch = channels.first(std::min<std::size_t>(channels.size(), kSide));
     channels = channels.subspan(batch.size());
-    streams.Take(batch.size(), generator);
+    streams.Generate(batch.size(), generator);
     for (COLUMN& column : columns) {
       column.streams.fill(-1);
       column.filled = 0;

@@ -113,12 +113,12 @@ TEST(TapSettings, AreOfMaximalLengthButForTheFiveThatAreKept) {
 
 TEST(ShiftRegisterGenerator, WordsAreTheStepsOneByOne) {
   for (int n = 1; n <= 32; ++n) {
-    for (const std::int64_t count : {0, 1, 63, 64, 65, 640, 2048, 2112, 5000}) {
+    for (const std::int64_t count : {0, 1, 63, 64, 65, 640, 2048, 2112, 5000, 300000}) {
       SCOPED_TRACE(testing::Message() << n << " stages, " << count << " bits");
       CShiftRegisterGenerator fast;
       fast.setNumRegister(static_cast<short>(n));
       fast.setMaximumTapSetting(1);
-      if (n % 3 == 0) fast.setTap(n - 1);  // fed back twice: cancels
+      if (n % 3 == 1) fast.setTap(n - 1);  // fed back twice: cancels
       fast.setInitialValue(0x9E3779B9u | 1u);
       CShiftRegisterGenerator plain = fast;
       std::vector<std::uint64_t> words(static_cast<std::size_t>(count + 63) / 64,

@@ -59,7 +59,7 @@ Words Play(CInstrumentFixture& engine, int module, std::int64_t limit, PlayEnd e
 
 // Equal neighbours as one.
 Words Steps(Words words) {
-  words.erase(std::ranges::unique(words).begin(), words.end());
+  words.erase(std::unique(words.begin(), words.end()), words.end());
   return words;
 }
 
