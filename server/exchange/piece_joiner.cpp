@@ -5,6 +5,11 @@
 #include <algorithm>
 
 namespace quillpg {
+namespace {
+
+constexpr std::int64_t kRoundShare = 16;  // a round saves this part of the surplus lines at least
+
+}  // namespace
 
 CPieceJoiner::CPieceJoiner(const CCaptureRuns& runs, const std::vector<PIECE>& pieces)
     : m_runs(runs) {
@@ -103,13 +108,17 @@ bool CPieceJoiner::ChoosePairs(std::int64_t surplusLines) {
     return costA != costB ? costA < costB : a.first < b.first;
   });
   if (m_pairs.empty()) return false;
-  const bool isFree = m_pairs.front().growth <= 0;
-  if (!isFree && surplusLines <= 0) return false;
-  // The next round may find cheaper ones than the dearer of this one.
-  const double dearest = isFree ? 0 : costOf(m_pairs.front()) * 1.25 + 1;
+  if (m_pairs.front().growth > 0 && surplusLines <= 0) return false;
+  // The next round may find cheaper ones than the dearer of this one; yet there is not to be a
+  // round for every few lines.
+  const double dearest = costOf(m_pairs.front()) * 1.25 + 1;
+  const std::int64_t leftToNext = surplusLines - surplusLines / kRoundShare;
   std::vector<bool> taken(m_blocks.size());
   for (PAIR& pair : m_pairs) {
-    if (costOf(pair) > dearest || (!isFree && surplusLines <= 0)) break;
+    if (pair.growth > 0) {
+      if (surplusLines <= 0) break;
+      if (costOf(pair) > dearest && surplusLines <= leftToNext) break;
+    }
     const auto a = static_cast<std::size_t>(pair.key.blockA);
     const auto b = static_cast<std::size_t>(pair.key.blockB);
     if (taken[a] || taken[b]) continue;

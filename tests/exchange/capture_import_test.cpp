@@ -166,13 +166,12 @@ TEST(CaptureImport, RefusesWithTheFigures) {
 
 TEST(CaptureImport, TakesACoarserGridWhereTheExactOneDoesNotFit) {
   // 12 MHz in ticks of 10 ns: the common step, a tick, gives 8 1/3 vectors for each sample.
-  std::string text = "$timescale 10 ns $end $var wire 1 ! D $end $enddefinitions $end\n";
+  std::string text = "$timescale 10 ns $end $var wire 4 ! D $end $enddefinitions $end\n";
   constexpr std::int64_t kSamples = 260'000;
-  std::uint64_t level = 2;
   for (std::int64_t i = 0; i < kSamples; ++i) {
-    if (level == Noise(i, 0)) continue;
-    level = Noise(i, 0);
-    text += "#" + std::to_string((i * 50 + 3) / 6) + (level ? " 1!\n" : " 0!\n");
+    text += "#" + std::to_string((i * 50 + 3) / 6) + " b";
+    for (int bit = 0; bit < 4; ++bit) text += Noise(i, bit) ? '1' : '0';
+    text += " !\n";
   }
   const CCaptureFile file(text + "#" + std::to_string((kSamples * 50 + 3) / 6));
   CCaptureImport import;
