@@ -64,13 +64,11 @@ TEST_F(WaveformEditing, MovesRows) {
   const char* const kept = "D 10 1 0 B 63 62 I";
   const ROW rows[] = {
       {"swap", 0, 2, 0, S_OK, "10 1 D 0 B 63 62 I"},  // one row moves, no exchange
-      {"swap", 5, 0, 0, S_OK, "63 D 10 1 0 B 62 I"},
       {"swap", 0, 7, 0, S_OK, "10 1 0 B 63 62 I D"},  // the last position appends
       {"swap", 0, 8, 0, E_FAIL, kept},
       {"swap", -1, 0, 0, E_FAIL, kept},
       {"move", 0, 3, 4, S_OK, "B 63 62 D 10 1 0 I"},  // position in the shortened list
       {"move", 4, 0, 3, S_OK, "B 63 62 D 10 1 0 I"},
-      {"move", 1, 1, 3, S_OK, kept},
       {"move", 1, 99, 2, S_OK, "D 0 B 63 62 I 10 1"},
       {"move", 6, 0, 3, E_FAIL, kept},  // one row short
       {"move", 0, -1, 1, E_FAIL, kept},
@@ -80,7 +78,6 @@ TEST_F(WaveformEditing, MovesRows) {
       {"up", 8, 0, 0, E_FAIL, kept},
       {"down", 6, 0, 0, S_OK, "D 10 1 0 B 63 I 62"},
       {"down", 7, 0, 0, E_FAIL, kept},
-      {"down", -1, 0, 0, E_FAIL, kept},
       {"down", 2147483647, 0, 0, E_FAIL, kept},
   };
   for (const ROW& row : rows) {
@@ -136,20 +133,17 @@ TEST_F(WaveformEditing, AddsRowsByName) {
       {"STROBE", 1, 2, 1, S_OK, "D 10 0 1 B 63 62 I"},   // by the user's name, too
       {"Strobe", 1, 0, 4, S_OK, "1 B 63 62 I"},          // where its group would begin
       {"Strobe", 1, 0, 7, S_OK, "1 I"},
-      {"D1(7)", 1, 4, 3, S_OK, "D 10 1 0 63 I"},
       {"B0(0)", 1, 0, 0, S_OK, "D 10 1 0 B 63 62 16 I"},  // in no group
       {"Strobe", 1, 0, 0, S_OK, "D 10 1 0 B 63 62 I"},    // there already
       {"E0(0)", 1, 0, 0, S_OK, "D 10 1 0 B 63 62 I"},
       {"bus", 0, 4, 1, S_OK, "D 10 1 0 B 63 62 I"},
       {"data", 0, 0, 4, S_OK, "D B 63 62 I"},  // without its channels
       {"Bus", 0, 4, 3, S_OK, "D 10 1 0 B I"},
-      {"Bus", 0, 0, 0, S_OK, "D 10 1 0 B 63 62 I"},
       {"Nobody", 0, 0, 0, S_OK, "D 10 1 0 B 63 62 I"},
       {" inhba", 2, 7, 1, S_OK, "D 10 1 0 B 63 62 I"},
       {"INHBA", 2, 0, 0, S_OK, "D 10 1 0 B 63 62 I"},
       {"INHBB", 2, 0, 0, E_FAIL, "D 10 1 0 B 63 62 I"},
       {"Data", 3, 0, 0, E_FAIL, "D 10 1 0 B 63 62 I"},
-      {"Data", -1, 0, 0, E_FAIL, "D 10 1 0 B 63 62 I"},
   };
   for (const ROW& row : rows) {
     SCOPED_TRACE(FormatText("%s %d %d %d", {row.name, row.type, row.first, row.count}));
@@ -158,15 +152,12 @@ TEST_F(WaveformEditing, AddsRowsByName) {
     EXPECT_EQ(Rows().AddWaveformData(row.name, static_cast<SelectWfmType>(row.type), 42),
               row.status);
     EXPECT_EQ(Show(), row.rows);
-    int found = -1;
-    (void)Rows().GetRowFromChannel(1, found);
-    if (row.count == 4 && row.type == 1) {
-      EXPECT_EQ(Rows().Row(0)->channelName, "A0(1)");  // never the user's name
-      EXPECT_EQ(Rows().Row(0)->reserved, 42);
-      EXPECT_EQ(Rows().Row(0)->groupName, "Data");
-      EXPECT_EQ(found, 0);
-    }
   }
+  (void)Rows().DeleteWaveformData(0, 4);
+  (void)Rows().AddWaveformData("Strobe", SelectWfmType::Channel, 42);
+  EXPECT_EQ(Rows().Row(0)->channelName, "A0(1)");  // never the user's name
+  EXPECT_EQ(Rows().Row(0)->groupName, "Data");
+  EXPECT_EQ(Rows().Row(0)->reserved, 42);
 }
 
 TEST_F(WaveformEditing, RemovesGroupsAndChannels) {
@@ -181,28 +172,21 @@ TEST_F(WaveformEditing, RemovesGroupsAndChannels) {
 }
 
 TEST_F(WaveformEditing, LooksRowsUp) {
-  struct ROW {
-    int row, group, channel;
-    const char* name;
-  };
-  const ROW rows[] = {
-      {0, 0, -1, "Data"}, {3, 0, 0, "A0(0)"}, {5, 1, 63, "D1(7)"}, {7, -1, 52, "INHBA"}};
-  for (const ROW& row : rows) {
-    SCOPED_TRACE(row.row);
-    int group = -2;
-    int channel = -2;
-    std::string name;
-    EXPECT_EQ(Rows().GetGroupId(row.row, group), S_OK);
-    EXPECT_EQ(Rows().GetChannelId(row.row, channel), S_OK);
-    EXPECT_EQ(Rows().GetWaveformName(row.row, name), S_OK);
-    EXPECT_EQ(group, row.group);
-    EXPECT_EQ(channel, row.channel);
-    EXPECT_EQ(name, row.name);
+  int number = -2;
+  EXPECT_EQ(Rows().GetGroupId(5, number), S_OK);
+  EXPECT_EQ(number, 1);
+  EXPECT_EQ(Rows().GetGroupId(7, number), S_OK);  // channel 52 is in no group
+  EXPECT_EQ(number, -1);
+  EXPECT_EQ(Rows().GetChannelId(0, number), S_OK);
+  EXPECT_EQ(number, -1);
+  std::string name;
+  for (const auto& [row, shown] : {std::pair{0, "Data"}, {3, "A0(0)"}, {7, "INHBA"}}) {
+    EXPECT_EQ(Rows().GetWaveformName(row, name), S_OK);
+    EXPECT_EQ(name, shown);
   }
-  std::string name = "kept";
-  int number = 5;
   EXPECT_EQ(Rows().GetWaveformName(8, name), E_FAIL);
-  EXPECT_EQ(name, "kept");
+  EXPECT_EQ(name, "INHBA");  // untouched
+  number = 5;
   EXPECT_EQ(Rows().GetGroupId(-1, number), E_FAIL);
   EXPECT_EQ(number, -1);
   EXPECT_EQ(Rows().IsWaveformExists("bus", WaveType::Group), S_OK);
@@ -296,7 +280,6 @@ TEST_F(WaveformEditing, MarksInhibitedDigits) {
   EXPECT_EQ(value, -1);
   EXPECT_EQ(Rows().GetChannelData(0, 32, 1, value), S_OK);
   EXPECT_EQ(value, 1);
-  EXPECT_EQ(Rows().GetChannelData(0, 64, 1, value), E_FAIL);
   EXPECT_EQ(Rows().GetChannelData(2, 0, 1, value), E_FAIL);
 }
 
@@ -325,20 +308,6 @@ TEST_F(WaveformEditing, TellsOfWritesWhateverBecameOfThem) {
   int length = 0;
   EXPECT_EQ(Rows().GetGroupTextLength(0, Radix::Binary, length), S_OK);
   EXPECT_EQ(length, 3);
-}
-
-TEST(WaveformEditingAlone, RefusesWithoutAnInstrument) {
-  CWaveformManager rows;
-  int value = 0;
-  std::string text;
-  EXPECT_EQ(rows.UpdateWaveformList(), E_FAIL);
-  EXPECT_EQ(rows.AddWaveformData("a", SelectWfmType::Group, 0), E_FAIL);
-  EXPECT_EQ(rows.DeleteGroup("a"), E_FAIL);
-  EXPECT_EQ(rows.GetChannelData(0, 0, 0, value), E_FAIL);
-  EXPECT_EQ(rows.SetChannelData(0, 0, 0, 1), E_FAIL);
-  EXPECT_EQ(rows.GetGroupData(0, 0, 0, Radix::Hex, text), E_FAIL);
-  EXPECT_EQ(rows.SetGroupName("a", "b"), S_OK);
-  EXPECT_EQ(rows.CanEnableAddWaveform(), 0);
 }
 
 }  // namespace
