@@ -91,14 +91,14 @@ int CWaveformManager::EndOfGroupRows() const {
 // --- removing rows ---
 
 Status CWaveformManager::DeleteGroup(const std::string& name) {
-  const std::string_view trimmed = Trim(name);
   int index = -1;
   if (!m_groupManager || Failed(m_groupManager->FindGroup(name, index))) return E_FAIL;
   return GuardAllocation([&] {
+    const std::string group(Trim(name));  // the name may be a row's own
     for (const WaveType type : {WaveType::Channel, WaveType::Group}) {
       for (int row = m_rows->Count(); row-- > 0;) {
         const CWaveformData* data = m_rows->At(row);
-        const bool goes = data && data->waveType == type && EqualNoCase(data->groupName, trimmed);
+        const bool goes = data && data->waveType == type && EqualNoCase(data->groupName, group);
         if (goes) (void)OwnRows().Remove(row);
       }
     }
@@ -164,9 +164,11 @@ Status CWaveformManager::MoveDown(int row) {
 
 Status CWaveformManager::SetGroupName(const std::string& oldName, const std::string& newName) {
   return GuardAllocation([&] {
-    return Rename({.oldName = oldName, .newName = newName}, [&](CWaveformData& row, bool rename) {
-      if (!EqualNoCase(row.groupName, oldName)) return false;
-      if (rename) row.groupName = newName;
+    const WAVEFORM_RENAMING names{.oldName = oldName,
+                                  .newName = newName};  // they may be a row's own
+    return Rename(names, [&names](CWaveformData& row, bool rename) {
+      if (!EqualNoCase(row.groupName, names.oldName)) return false;
+      if (rename) row.groupName = names.newName;
       return true;
     });
   });

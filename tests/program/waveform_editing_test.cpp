@@ -164,11 +164,13 @@ TEST_F(WaveformEditing, RemovesGroupsAndChannels) {
   EXPECT_EQ(Rows().DeleteGroup("None"), E_FAIL);
   EXPECT_EQ(Rows().DeleteGroup(" data "), S_OK);
   EXPECT_EQ(Show(), "B 63 62 I");
+  EXPECT_EQ(Rows(1).SetGroupName(Rows(1).Row(0)->groupName, "Word"), S_OK);  // a row's own text
+  EXPECT_EQ(Rows(1).Row(3)->groupName, "Word");
   EXPECT_EQ(Rows().DeleteChannel("A0(0)"), E_FAIL);
   EXPECT_EQ(Rows().DeleteChannel("INHBA"), E_FAIL);  // no channel row
   EXPECT_EQ(Rows().DeleteChannel("d1(7)"), S_OK);
   EXPECT_EQ(Show(), "B 62 I");
-  EXPECT_EQ(Show(1), "D 10 1 0 B 63 62 I");
+  EXPECT_EQ(Show(1), "W 10 1 0 B 63 62 I");
 }
 
 TEST_F(WaveformEditing, LooksRowsUp) {
