@@ -46,14 +46,17 @@ std::string CountText(std::int64_t count, const char* what) {
   return text + what;
 }
 
+std::string ChannelsText(int channels) {
+  return CountText(channels, channels == 1 ? " channel" : " channels");
+}
+
 MODE_NEED NeedOf(const CAPTURE& capture, const SAMPLE_GRID& grid, ChannelMode mode) {
   MODE_NEED need;
   need.mode = mode;
   const int modules = ModulesFor(capture.bits, mode);
   if (modules > MAX_INSTRUMENT_MODULES) {
-    need.refusal = CountText(modules, " modules for ") +
-                   CountText(capture.bits, " channels, of at most ") +
-                   CountText(MAX_INSTRUMENT_MODULES, " modules");
+    need.refusal = CountText(modules, " modules for ") + ChannelsText(capture.bits) +
+                   ", of at most " + CountText(MAX_INSTRUMENT_MODULES, " modules");
   } else if (!CanClock(grid.period, mode)) {
     need.refusal = "a period of " + FormatPeriod(grid.period) + ", which it cannot clock";
   } else {
@@ -142,8 +145,8 @@ Status CCaptureImport::ChooseHardware(CAPTURE_PLAN& plan) {
     }
   }
   std::string text = m_capture.file + ": the capture does not fit: it has " +
-                     CountText(plan.grid.vectors, " vectors of ") +
-                     CountText(m_capture.bits, " channels and needs");
+                     CountText(plan.grid.vectors, " vectors of ") + ChannelsText(m_capture.bits) +
+                     " and needs";
   for (const MODE_NEED& need : needs) {
     text += &need == needs ? " in " : "; in ";
     text += std::string(GetDisplayText(need.mode)) + " mode " + need.refusal;

@@ -148,7 +148,7 @@ TEST(CaptureImport, RefusesWithTheFigures) {
        WriteCapture(1, 2'100'000, 10, Noise),
        {},
        PG_E_LIMIT,
-       ": the capture does not fit: it has 2100000 vectors of 1 channels and needs in FULL mode "
+       ": the capture does not fit: it has 2100000 vectors of 1 channel and needs in FULL mode "
        "2100000 vectors of memory, of 1048572 with the memory option; in HALF mode 2100000 vectors "
        "of memory, of 2097144 with the memory option"},
   };
