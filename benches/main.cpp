@@ -6,6 +6,8 @@
 //   vcd        played vectors to VCD text over a stream written bit by bit
 //   play       10,000,000 played vectors over memcpy
 //   lfsr       pseudo-random bits and fills over one step and one bit at a time
+//   setup file blocks saved and loaded over calls of a stream for each field, and over write and
+//   read
 // Options are Google Benchmark's, for example --benchmark_filter=packing.
 
 #include <benchmark/benchmark.h>
@@ -19,6 +21,7 @@ void RegisterGroupTextBenches();
 void RegisterVcdBenches();
 void RegisterPackingBenches();
 void RegisterPlayBenches();
+void RegisterSetupFileBenches();
 void RegisterShiftRegisterBenches();
 void RegisterWaveformBenches();
 }  // namespace quillpg::bench
@@ -32,6 +35,7 @@ int main(int argc, char** argv) {
   quillpg::bench::RegisterVcdBenches();
   quillpg::bench::RegisterPackingBenches();
   quillpg::bench::RegisterPlayBenches();
+  quillpg::bench::RegisterSetupFileBenches();
   quillpg::bench::RegisterShiftRegisterBenches();
   quillpg::bench::RegisterWaveformBenches();
   return quillpg::bench::RunAndPrintRatios();
