@@ -1,13 +1,17 @@
 #include "command_line.h"
 
 #include "exit_status.h"
+#include "quillpg/limits.h"
 
 #include <CLI/CLI.hpp>
 
 #include <charconv>
 #include <cstdint>
+#include <functional>
 #include <iostream>
 #include <limits>
+#include <utility>
+#include <vector>
 
 namespace quillpg::tool {
 namespace {
@@ -18,7 +22,8 @@ const char* const kExitStatuses =
     "waiting for an event that cannot come any more, 130 interrupted.";
 
 void AddInput(CLI::App& app, INPUT_OPTIONS& input) {
-  app.add_option("FILE", input.file, "A capture (VCD); recognised by its content")->required();
+  app.add_option("FILE", input.file, "A capture (VCD) or a setup file; recognised by its content")
+      ->required();
   app.add_option("--period", input.period,
                  "Sample period of the capture, with unit (62.5ns, 1us) or in seconds; without it "
                  "the period is found in the time stamps")
@@ -65,6 +70,124 @@ CLI::App& AddRun(CLI::App& app, RUN_OPTIONS& run) {
   return command;
 }
 
+// The words of the command line for the test programs.
+const std::pair<const char*, TestDataType> kTestPrograms[] = {
+    {"walking-ones", TestDataType::WalkingOnes},
+    {"cell", TestDataType::Cell},
+    {"max-block-size", TestDataType::MaxBlockSize},
+    {"max-blocks", TestDataType::MaxBlocks},
+    {"max-subsequences", TestDataType::MaxSubSequences},
+    {"max-events", TestDataType::MaxEvents},
+    {"max-sequence-lines", TestDataType::MaxSequenceLines},
+};
+
+/// "0-1" or "0".
+std::string ParseModules(const std::string& text, MERGE_OPTIONS& merge) {
+  const char* const end = text.data() + text.size();
+  auto [stop, fault] = std::from_chars(text.data(), end, merge.first);
+  merge.last = merge.first;
+  if (fault == std::errc() && stop != end && *stop == '-') {
+    const auto second = std::from_chars(stop + 1, end, merge.last);
+    stop = second.ptr;
+    fault = second.ec;
+  }
+  const bool good =
+      fault == std::errc() && stop == end && merge.first >= 0 && merge.last > merge.first;
+  return good ? std::string() : text + " is no range of modules such as 0-1";
+}
+
+/// Every command, with the options that it fills.
+class CCommands {
+ public:
+  explicit CCommands(CLI::App& app) {
+    m_commands.emplace_back(&AddRun(app, m_run), [this] { return COMMAND(m_run); });
+    CLI::App& check = Add(app, "check", "Compile a program and print the findings", m_check);
+    AddInput(check, m_check.input);
+    Add(app, "modules", "List the modules of the mainframe", m_modules);
+    AddConvert(Add(app, "convert", "Save a capture or a setup file as a setup file", m_convert));
+    CLI::App& info = Add(app, "info", "Tell what a setup file holds", m_info);
+    info.add_option("FILE", m_info.file, "A setup file")->required();
+    CLI::App& dump = Add(app, "dump", "Print every field of a setup file with its offset", m_dump);
+    dump.add_option("FILE", m_dump.file, "A setup file")->required();
+    AddMerge(Add(app, "merge", "Merge modules of a system into one instrument", m_merge));
+    AddTestData(Add(app, "testdata", "Save a generated test program", m_testData));
+    CLI::App& simulation = Add(
+        app, "sim-config", "Write the simulation configuration file for a setup file", m_simConfig);
+    simulation.add_option("FILE", m_simConfig.file, "A setup file")->required();
+    simulation.add_option("OUT", m_simConfig.out, "The configuration file, VISASTUB.INI")
+        ->required();
+  }
+
+  std::optional<COMMAND> Parsed() const {
+    for (const auto& [command, options] : m_commands) {
+      if (command->parsed()) return options();
+    }
+    return std::nullopt;
+  }
+
+ private:
+  template <typename Options>
+  CLI::App& Add(CLI::App& app, const char* name, const char* what, Options& options) {
+    CLI::App& command = *app.add_subcommand(name, what);
+    command.footer(kExitStatuses);
+    m_commands.emplace_back(&command, [&options] { return COMMAND(options); });
+    return command;
+  }
+
+  void AddConvert(CLI::App& command) {
+    AddInput(command, m_convert.input);
+    command.add_option("OUT", m_convert.out, "The setup file to write")->required();
+    command
+        .add_option("--instrument", m_convert.instrument,
+                    "Write a module file of this instrument instead of a system file")
+        ->type_name("NAME");
+    command.add_flag("--no-program", m_convert.noProgram, "Leave out blocks, sequence and events");
+  }
+
+  void AddMerge(CLI::App& command) {
+    command.add_option("FILE", m_merge.file, "A setup file")->required();
+    const auto parse = [this](const std::string& text) { return ParseModules(text, m_merge); };
+    command
+        .add_option("--modules", m_range, "First and last module, counted over the system from 0")
+        ->required()
+        ->type_name("A-B")
+        ->check(CLI::Validator(parse, "", ""));
+    command.add_option("OUT", m_merge.out, "The setup file to write")->required();
+  }
+
+  void AddTestData(CLI::App& command) {
+    std::string kinds;
+    for (const auto& [word, kind] : kTestPrograms)
+      kinds.append(kinds.empty() ? "" : ", ").append(word);
+    const auto choose = [this, kinds](const std::string& text) {
+      for (const auto& [word, kind] : kTestPrograms) {
+        if (text == word) m_testData.kind = kind;
+        if (text == word) return std::string();
+      }
+      return text + " is none of " + kinds;
+    };
+    command.add_option("KIND", m_kind, kinds)->required()->check(CLI::Validator(choose, "", ""));
+    command.add_option("OUT", m_testData.out, "The setup file to write")->required();
+    command.add_option("--modules", m_testData.modules, "Modules of the instrument, 1 to 5")
+        ->type_name("N")
+        ->check(Positive(MAX_INSTRUMENT_MODULES));
+    command.add_flag("--half", m_testData.half, "32 channels a module");
+  }
+
+  RUN_OPTIONS m_run;
+  CHECK_OPTIONS m_check;
+  MODULES_OPTIONS m_modules;
+  CONVERT_OPTIONS m_convert;
+  INFO_OPTIONS m_info;
+  DUMP_OPTIONS m_dump;
+  MERGE_OPTIONS m_merge;
+  TEST_DATA_OPTIONS m_testData;
+  SIM_CONFIG_OPTIONS m_simConfig;
+  std::string m_range;
+  std::string m_kind;
+  std::vector<std::pair<const CLI::App*, std::function<COMMAND()>>> m_commands;
+};
+
 }  // namespace
 
 std::optional<COMMAND> ParseCommandLine(int argc, const char* const* argv, int& status) {
@@ -77,14 +200,7 @@ std::optional<COMMAND> ParseCommandLine(int argc, const char* const* argv, int& 
   app.footer("quillpg COMMAND --help tells the options of a command.\n" +
              std::string(kExitStatuses));
 
-  RUN_OPTIONS run;
-  CHECK_OPTIONS check;
-  const CLI::App& runCommand = AddRun(app, run);
-  CLI::App& checkCommand = *app.add_subcommand("check", "Compile a program and print the findings");
-  AddInput(checkCommand, check.input);
-  checkCommand.footer(kExitStatuses);
-  const CLI::App& modulesCommand =
-      *app.add_subcommand("modules", "List the modules of the mainframe");
+  const CCommands commands(app);
 
   try {
     app.parse(argc, argv);
@@ -92,9 +208,7 @@ std::optional<COMMAND> ParseCommandLine(int argc, const char* const* argv, int& 
     status = app.exit(error) == 0 ? STATUS_GOOD : STATUS_UNUSABLE;
     return std::nullopt;
   }
-  if (runCommand.parsed()) return run;
-  if (checkCommand.parsed()) return check;
-  if (modulesCommand.parsed()) return MODULES_OPTIONS{};
+  if (std::optional<COMMAND> command = commands.Parsed()) return command;
   std::cerr << app.help();
   status = STATUS_UNUSABLE;
   return std::nullopt;

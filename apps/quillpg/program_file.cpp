@@ -1,13 +1,16 @@
 #include "program_file.h"
 
 #include "exchange/sample_period.h"
+#include "exchange/vcd_description.h"
 #include "exchange/vcd_reader.h"
 #include "exit_status.h"
 #include "input_text.h"
+#include "instrument/instrument_manager.h"
 #include "interrupt.h"
 #include "quillpg/app_server.h"
 #include "report.h"
 #include "server_session.h"
+#include "setup_file.h"
 #include "terminal_router.h"
 
 namespace quillpg::tool {
@@ -19,9 +22,39 @@ int CProgramFile::Load(const INPUT_OPTIONS& options, CServerSession& session,
     ReportError(fault);
     return STATUS_UNUSABLE;
   }
-  const int status = LoadCapture(options, session, router);
+  const int status = CSetupFile::IsSetupFile(options.file) ? LoadSetup(options, session)
+                                                           : LoadCapture(options, session, router);
   session.OnInterrupt(nullptr);
   return status;
+}
+
+int CProgramFile::LoadSetup(const INPUT_OPTIONS& options, CServerSession& session) {
+  if (!options.period.empty()) {
+    ReportError("--period is for captures: " + options.file + " holds its own clock");
+    return STATUS_UNUSABLE;
+  }
+  CSetupFile file;
+  int status = file.Read(options.file);
+  if (status == STATUS_GOOD) status = file.LoadForPlay(session);
+  if (status != STATUS_GOOD) return status;
+  CInstrumentManager* instruments = nullptr;
+  int count = 0;
+  (void)session.Server()->GetInstrumentManager(&instruments);
+  (void)instruments->GetNoOfInstruments(count);
+  for (int i = 0; i < count; ++i) {
+    CInstrument* instrument = nullptr;
+    (void)instruments->GetInstrumentAt(i, &instrument);
+    VCD_INSTRUMENT description;
+    // An instrument that got no module drives no pins.
+    if (instrument == nullptr || Failed(DescribeInstrument(*instrument, description))) continue;
+    m_instruments.push_back(std::move(description));
+  }
+  const SETUP_FILE_CONTENTS& contents = file.Contents();
+  m_summary =
+      Counted(count, "instrument") + ", " +
+      Counted(static_cast<std::int64_t>(contents.fixedSection.memoryDepths.size()), "module") +
+      (contents.fixedSection.programDataSaved != 0 ? "" : ", without a program");
+  return STATUS_GOOD;
 }
 
 int CProgramFile::LoadCapture(const INPUT_OPTIONS& options, CServerSession& session,

@@ -31,6 +31,7 @@ class CProgramFile {
   std::string Summary() const { return m_summary; }
 
  private:
+  int LoadSetup(const INPUT_OPTIONS& options, CServerSession& session);
   int LoadCapture(const INPUT_OPTIONS& options, CServerSession& session, CTerminalRouter& router);
   int Refuse(Status status, const INPUT_OPTIONS& options);
   void Summarize();

@@ -1,0 +1,160 @@
+#include "convert_command.h"
+
+#include "exit_status.h"
+#include "instrument/instrument.h"
+#include "instrument/instrument_manager.h"
+#include "instrument/merge_manager.h"
+#include "interrupt.h"
+#include "persistence/file_manager.h"
+#include "persistence/visa_stub_gen.h"
+#include "program_file.h"
+#include "quillpg/app_server.h"
+#include "report.h"
+#include "server_session.h"
+#include "setup_file.h"
+#include "terminal_router.h"
+
+#include <memory>
+
+namespace quillpg::tool {
+namespace {
+
+int Refuse(const std::string& text) {
+  ReportError(text);
+  return STATUS_UNUSABLE;
+}
+
+CInstrumentManager& Instruments(CServerSession& session) {
+  CInstrumentManager* instruments = nullptr;
+  (void)session.Server()->GetInstrumentManager(&instruments);
+  return *instruments;
+}
+
+CFileManager& Files(CServerSession& session) {
+  CFileManager* files = nullptr;
+  (void)session.Server()->GetFileManager(&files);
+  return *files;
+}
+
+int SavedStatus(Status status, const std::string& path) {
+  if (Failed(status)) return Refuse(path + ": " + StatusText(status));
+  PrintLine("saved to " + path);
+  return FlushOutput() ? STATUS_GOOD : STATUS_UNUSABLE;
+}
+
+int SaveSystem(CServerSession& session, const std::string& path, bool program) {
+  std::string comment;
+  (void)Instruments(session).GetComment(comment);
+  return SavedStatus(Files(session).SaveSystem(path, comment, program ? 1 : 0), path);
+}
+
+int SaveInstrument(CServerSession& session, const std::string& name, const std::string& path,
+                   bool program) {
+  CInstrumentManager& instruments = Instruments(session);
+  int position = -1;
+  CInstrument* instrument = nullptr;
+  if (Failed(instruments.GetInstrumentPos(name, position)) ||
+      Failed(instruments.GetInstrumentAt(position, &instrument)) || instrument == nullptr) {
+    return Refuse("there is no instrument '" + name + "'");
+  }
+  std::string comment;
+  (void)instruments.GetComment(comment);
+  return SavedStatus(
+      Files(session).SaveModule(path, comment, position, instrument, program ? 1 : 0), path);
+}
+
+// Merges the modules first to last; false when the merge manager refuses.
+bool MergeModules(CServerSession& session, int first, int last) {
+  CMergeManager* merge = nullptr;
+  if (Failed(session.Server()->GetMergeManager(&merge)) || merge == nullptr) return false;
+  for (int module = first + 1; module <= last; ++module) {
+    int left = -1;
+    int right = -1;
+    (void)merge->GetInstrumentId(module - 1, left);
+    (void)merge->GetInstrumentId(module, right);
+    // Modules that stand in one instrument already need no merging.
+    if (left == right && left >= 0) continue;
+    if (Failed(merge->Merge(module))) return false;
+  }
+  return !Failed(merge->Update());
+}
+
+}  // namespace
+
+int RunConvertCommand(const CONVERT_OPTIONS& options) {
+  CTerminalRouter router(!options.input.quiet && CTerminalRouter::OnTerminal());
+  CServerSession session(router);
+  int loaded = STATUS_GOOD;
+  CProgramFile capture;
+  if (CSetupFile::IsSetupFile(options.input.file)) {
+    CSetupFile file;
+    loaded = file.Read(options.input.file);
+    if (loaded == STATUS_GOOD) loaded = file.LoadForEditing(session);
+  } else {
+    loaded = capture.Load(options.input, session, router);
+  }
+  router.EraseBar();
+  if (loaded != STATUS_GOOD) return loaded;
+  const int status =
+      options.instrument.empty()
+          ? SaveSystem(session, options.out, !options.noProgram)
+          : SaveInstrument(session, options.instrument, options.out, !options.noProgram);
+  router.EraseBar();
+  return Interrupted() ? InterruptStatus() : status;
+}
+
+int RunMergeCommand(const MERGE_OPTIONS& options) {
+  CTerminalRouter router(false);
+  CServerSession session(router);
+  CSetupFile file;
+  int status = file.Read(options.file);
+  if (status == STATUS_GOOD) status = file.LoadForEditing(session);
+  if (status != STATUS_GOOD) return status;
+  if (!MergeModules(session, options.first, options.last)) {
+    return Refuse("modules " + std::to_string(options.first) + "-" + std::to_string(options.last) +
+                  " cannot be merged: at most 5 modules that stand side by side");
+  }
+  ReportNotice("a merged instrument starts afresh: its modules' programs are not carried over");
+  return SaveSystem(session, options.out, true);
+}
+
+int RunTestDataCommand(const TEST_DATA_OPTIONS& options) {
+  CTerminalRouter router(false);
+  CServerSession session(router);
+  if (Failed(session.Simulation().SetModules(options.modules)) || session.Server() == nullptr ||
+      Failed(session.Server()->DefaultSystem()) || !MergeModules(session, 0, options.modules - 1)) {
+    return Refuse("the instrument cannot be made");
+  }
+  CInstrument* instrument = nullptr;
+  (void)Instruments(session).GetInstrumentAt(0, &instrument);
+  if (instrument == nullptr) return STATUS_UNUSABLE;
+  if (options.half) (void)instrument->SetChannelMode(ChannelMode::Half);
+  if (Failed(instrument->CreateTestData(options.kind))) {
+    return Refuse("the test program cannot be made on this instrument");
+  }
+  return SaveSystem(session, options.out, true);
+}
+
+int RunSimConfigCommand(const SIM_CONFIG_OPTIONS& options) {
+  CTerminalRouter router(false);
+  CServerSession session(router);
+  CSetupFile file;
+  const int status = file.Read(options.file);
+  if (status != STATUS_GOOD) return status;
+  if (Failed(session.Simulation().SetModules(0)) || session.Server() == nullptr) {
+    return STATUS_UNUSABLE;
+  }
+  (void)session.Server()->InitializeVisaStubFile(options.out);
+  const Status opened = Files(session).IsPGFile(options.file);
+  if (Failed(opened)) return Refuse(options.file + ": " + StatusText(opened));
+  (void)Files(session).GenerateVisaStub();
+  // It drops the status of the write; writing the same once more tells it.
+  CVisaStubGen* generator = nullptr;
+  (void)session.Server()->GetVisaStubGenerator(&generator);
+  if (generator == nullptr || Failed(generator->WriteFile())) {
+    return Refuse(options.out + ": cannot be written");
+  }
+  return SavedStatus(S_OK, options.out);
+}
+
+}  // namespace quillpg::tool

@@ -1,0 +1,121 @@
+#include "setup_file.h"
+
+#include "app/version_info.h"
+#include "base/text.h"
+#include "exit_status.h"
+#include "hardware/simulation/simulated_mainframe.h"
+#include "input_text.h"
+#include "persistence/file_manager.h"
+#include "quillpg/app_server.h"
+#include "quillpg/limits.h"
+#include "report.h"
+#include "server_session.h"
+
+#include <fstream>
+#include <string_view>
+#include <vector>
+
+namespace quillpg::tool {
+namespace {
+
+std::string PodKeywords(const std::array<PodType, NUM_PODS>& pods) {
+  std::string keywords;
+  for (const PodType pod : pods) {
+    // The module names the type as the engine parses it; the two differ in one word.
+    const std::string_view keyword =
+        pod == PodType::V3Cmos ? std::string_view("V3_CMOS") : GetDisplayText(pod);
+    keywords.append(keywords.empty() ? "" : ",").append(keyword.empty() ? "None" : keyword);
+  }
+  return keywords;
+}
+
+// The modules that the file was saved with.
+std::vector<SIMULATED_MODULE> DescribeModules(const SETUP_FILE_CONTENTS& contents) {
+  std::vector<SIMULATED_MODULE> modules;
+  for (const std::int32_t depth : contents.fixedSection.memoryDepths) {
+    SIMULATED_MODULE& module = modules.emplace_back();
+    module.slot = SIMULATED_FIRST_SLOT + 2 * (static_cast<int>(modules.size()) - 1);
+    module.option = depth > DEFAULT_MEMORY_DEPTH;
+  }
+  std::size_t at = 0;
+  for (const SETUP_FILE_INSTRUMENT& instrument : contents.instruments) {
+    for (const auto& pods : instrument.pods) {
+      if (at < modules.size()) modules[at++].pods = PodKeywords(pods);
+    }
+  }
+  return modules;
+}
+
+}  // namespace
+
+bool CSetupFile::IsSetupFile(const std::string& path) {
+  constexpr std::string_view product = PRODUCT_NAME;
+  std::string start(product.size() + 1, 'x');
+  std::ifstream file(path, std::ios::binary);
+  file.read(start.data(), static_cast<std::streamsize>(start.size()));
+  return file && start.back() == '\0' && EqualNoCase(product, start.substr(0, product.size()));
+}
+
+int CSetupFile::Read(const std::string& path) {
+  m_path = path;
+  std::string fault;
+  if (!ReadInputText(path, m_bytes, fault)) {
+    ReportError(fault);
+    return STATUS_UNUSABLE;
+  }
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(m_bytes.data());
+  m_walked = WalkSetupFile({bytes, m_bytes.size()}, {}, m_contents);
+  if (m_walked == PG_E_NOT_SETUP_FILE) return Refuse(m_walked);
+  return STATUS_GOOD;
+}
+
+std::string CSetupFile::Damage() const {
+  if (!Failed(m_walked)) return {};
+  return "field '" + m_contents.failedField + "' at byte " +
+         Grouped(static_cast<std::int64_t>(m_contents.failedOffset));
+}
+
+int CSetupFile::Refuse(Status status) const {
+  const std::string damage = Damage();
+  ReportError(m_path + ": " + StatusText(status) + (damage.empty() ? "" : " (" + damage + ")"));
+  return STATUS_UNUSABLE;
+}
+
+int CSetupFile::LoadInto(CServerSession& session) const {
+  CFileManager* files = nullptr;
+  (void)session.Server()->GetFileManager(&files);
+  if (files == nullptr) return STATUS_UNUSABLE;
+  // A module file is no system file, yet it loads as a system of its one instrument.
+  if (m_contents.fixedSection.fileType != FileType::Module) {
+    const Status fits = files->CanLoadSystemFile(m_path);
+    if (Failed(fits)) return Refuse(fits);
+  }
+  const Status status = session.Server()->LoadSystem(m_path);
+  if (Failed(status)) return Refuse(status);
+  if (Failed(m_walked)) ReportNotice(m_path + ": loaded up to " + Damage());
+  return STATUS_GOOD;
+}
+
+int CSetupFile::LoadForPlay(CServerSession& session) const {
+  if (Failed(session.Simulation().SetModules(0)) || session.Server() == nullptr) {
+    return STATUS_UNUSABLE;
+  }
+  CFileManager* files = nullptr;
+  (void)session.Server()->GetFileManager(&files);
+  if (files == nullptr) return STATUS_UNUSABLE;
+  // Without a path the modules are brought up and no configuration file is written.
+  (void)session.Server()->InitializeVisaStubFile("");
+  const Status opened = files->IsPGFile(m_path);
+  if (Failed(opened)) return Refuse(opened);
+  (void)files->GenerateVisaStub();
+  return LoadInto(session);
+}
+
+int CSetupFile::LoadForEditing(CServerSession& session) const {
+  if (Failed(session.Simulation().SetModules(DescribeModules(m_contents)))) {
+    return Refuse(PG_E_MODULE_COUNT);
+  }
+  return session.Server() == nullptr ? STATUS_UNUSABLE : LoadInto(session);
+}
+
+}  // namespace quillpg::tool
