@@ -36,31 +36,32 @@ CFileManager& Files(CServerSession& session) {
   return *files;
 }
 
-int SavedStatus(Status status, const std::string& path) {
+int SavedStatus(Status status, const std::string& path, bool quiet = false) {
   if (Failed(status)) return Refuse(path + ": " + StatusText(status));
-  PrintLine("saved to " + path);
+  if (!quiet) PrintLine("saved to " + path);
   return FlushOutput() ? STATUS_GOOD : STATUS_UNUSABLE;
 }
 
-int SaveSystem(CServerSession& session, const std::string& path, bool program) {
+int SaveSystem(CServerSession& session, const std::string& path, int program = 1,
+               bool quiet = false) {
   std::string comment;
   (void)Instruments(session).GetComment(comment);
-  return SavedStatus(Files(session).SaveSystem(path, comment, program ? 1 : 0), path);
+  return SavedStatus(Files(session).SaveSystem(path, comment, program), path, quiet);
 }
 
-int SaveInstrument(CServerSession& session, const std::string& name, const std::string& path,
-                   bool program) {
+int SaveInstrument(CServerSession& session, const CONVERT_OPTIONS& options, int program) {
   CInstrumentManager& instruments = Instruments(session);
   int position = -1;
   CInstrument* instrument = nullptr;
-  if (Failed(instruments.GetInstrumentPos(name, position)) ||
+  if (Failed(instruments.GetInstrumentPos(options.instrument, position)) ||
       Failed(instruments.GetInstrumentAt(position, &instrument)) || instrument == nullptr) {
-    return Refuse("there is no instrument '" + name + "'");
+    return Refuse("there is no instrument '" + options.instrument + "'");
   }
   std::string comment;
   (void)instruments.GetComment(comment);
-  return SavedStatus(
-      Files(session).SaveModule(path, comment, position, instrument, program ? 1 : 0), path);
+  const Status status =
+      Files(session).SaveModule(options.out, comment, position, instrument, program);
+  return SavedStatus(status, options.out, options.input.quiet);
 }
 
 // Merges the modules first to last; false when the merge manager refuses.
@@ -95,10 +96,10 @@ int RunConvertCommand(const CONVERT_OPTIONS& options) {
   }
   router.EraseBar();
   if (loaded != STATUS_GOOD) return loaded;
-  const int status =
-      options.instrument.empty()
-          ? SaveSystem(session, options.out, !options.noProgram)
-          : SaveInstrument(session, options.instrument, options.out, !options.noProgram);
+  const int program = options.noProgram ? 0 : 1;
+  const int status = options.instrument.empty()
+                         ? SaveSystem(session, options.out, program, options.input.quiet)
+                         : SaveInstrument(session, options, program);
   router.EraseBar();
   return Interrupted() ? InterruptStatus() : status;
 }
@@ -115,7 +116,7 @@ int RunMergeCommand(const MERGE_OPTIONS& options) {
                   " cannot be merged: at most 5 modules that stand side by side");
   }
   ReportNotice("a merged instrument starts afresh: its modules' programs are not carried over");
-  return SaveSystem(session, options.out, true);
+  return SaveSystem(session, options.out);
 }
 
 int RunTestDataCommand(const TEST_DATA_OPTIONS& options) {
@@ -132,7 +133,7 @@ int RunTestDataCommand(const TEST_DATA_OPTIONS& options) {
   if (Failed(instrument->CreateTestData(options.kind))) {
     return Refuse("the test program cannot be made on this instrument");
   }
-  return SaveSystem(session, options.out, true);
+  return SaveSystem(session, options.out);
 }
 
 int RunSimConfigCommand(const SIM_CONFIG_OPTIONS& options) {

@@ -11,9 +11,9 @@
 
 namespace quillpg {
 
-/// How the records of a file of that software version are read by this software. An empty version
-/// is a new one.
-SETUP_FILE_FORM FormOfVersion(const std::string& fileVersion);
+/// How the records of a file of version `fileVersion` are read by software of `softwareVersion`. An
+/// empty file version is a new one.
+SETUP_FILE_FORM FormOfVersion(const std::string& fileVersion, const std::string& softwareVersion);
 
 /// The form of the file that the root's file manager read or wrote last.
 SETUP_FILE_FORM CurrentSetupFileForm();

@@ -11,6 +11,7 @@
 #include "persistence/input_file.h"
 #include "persistence/program_parts.h"
 #include "persistence/work_mark.h"
+#include "quillpg/app_server.h"
 #include "quillpg/host_services.h"
 
 #include <algorithm>
@@ -75,7 +76,9 @@ Status CFileManager::LoadInstrument(CInstrument* instrument) {
   if (!instrument || !m_reader) return E_FAIL;
   return GuardAllocation(
       [&] {
-        SETUP_FILE_FORM form = FormOfVersion(m_fixedSection->softwareVersion);
+        std::string software;
+        if (m_server) (void)m_server->GetSoftwareVersion(software);
+        SETUP_FILE_FORM form = FormOfVersion(m_fixedSection->softwareVersion, software);
         form.stepsOver = m_loadModule != 0;
         m_reader->SetForm(form);
         Status status = instrument->Read(*m_reader, m_fixedSection->programDataSaved);

@@ -34,7 +34,7 @@ class CSetupFileWalker {
     const Status status = section.Read(m_tracer, PRODUCT_NAME);
     if (Failed(status)) return status;
     CSetupFileReader& reader = m_tracer.Reader();
-    reader.SetForm(FormOfVersion(section.softwareVersion));
+    reader.SetForm(FormOfVersion(section.softwareVersion, PRODUCT_VERSION));
     const int count = static_cast<int>(section.instruments.size());
     for (int i = 0; i < count && m_tracer.Good(); ++i) {
       contents.instruments.emplace_back();
