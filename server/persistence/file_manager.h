@@ -131,7 +131,13 @@ class QUILLPG_API CFileManager {
   Status GetCurrentInstSize(unsigned long& size, int flag) const;
   Status SetProgressBarMessage(int percent);
 
-  /// Simulates the modules of the last file read; nothing happens while hardware is present.
+  /// Truth value; 0 without a hardware library.
+  static int IsHardwarePresent();
+  /// Simulates one module for each memory depth of the last file read, lets the engine discover
+  /// them and writes the file of CAppServer::InitializeVisaStubFile; without a path, or when it
+  /// cannot be written, the modules are there all the same. All instruments lose their modules: a
+  /// load or DefaultSystem must follow. Nothing happens while hardware is present or a load, save,
+  /// compile or download is going on. S_OK always.
   Status GenerateVisaStub();
 
  private:
@@ -145,6 +151,8 @@ class QUILLPG_API CFileManager {
   void FetchRecords();
   void CloseInput();
   Status LookAt(const std::string& fileName);
+
+  Status SimulateModules();
 
   Status ReadProgram(CInstrument& instrument);
   Status LoadAll(CModuleManager& modules);

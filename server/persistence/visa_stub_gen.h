@@ -18,7 +18,7 @@ struct VISA_STUB_MODULE {
 };
 
 /// Writes the text file that declares simulated modules and the answer that each gives to every
-/// instrument query.
+/// instrument query. Logical addresses count the modules from 1 on.
 class QUILLPG_API CVisaStubGen {
  public:
   CVisaStubGen() = default;
@@ -29,12 +29,14 @@ class QUILLPG_API CVisaStubGen {
   /// Stores the path of the file to write and forgets the modules so far.
   Status Initialize(const std::string& path);
 
-  /// Appends a copy.
+  /// Appends a copy. The list grows until the next Initialize.
   Status AddModule(const VISA_STUB_MODULE& module);
-  /// E_FAIL when the file cannot be written.
+  /// Replaces the file. E_FAIL when it cannot be written.
   Status WriteFile() const;
 
  private:
+  std::string Text() const;
+
   std::string m_path;
   std::vector<VISA_STUB_MODULE> m_modules;
 };
