@@ -156,7 +156,7 @@ Status CWaveformManager::MoveUp(int row) {
 }
 
 Status CWaveformManager::MoveDown(int row) {
-  if (row < 0 || !m_rows->Holds(row + 1)) return E_FAIL;
+  if (!m_rows->HoldsRange(row, 2)) return E_FAIL;
   return GuardAllocation([&] { return OwnRows().MoveDown(row); });
 }
 
