@@ -42,7 +42,7 @@ class CFileReading : public CEngineFixture {
 
   Status Read(CSetupFileReader& reader) {
     (void)section.Read(reader, PRODUCT_NAME);
-    reader.SetForm(FormOfVersion(section.softwareVersion));
+    reader.SetForm(FormOfVersion(section.softwareVersion, PRODUCT_VERSION));
     for (const auto& instrument : instruments) {
       (void)instrument->Read(reader, section.programDataSaved);
       (void)Manager(*instrument, &CInstrument::GetGroupManager).Read(reader);
@@ -328,11 +328,12 @@ TEST(FixedSection, TheVersionDecidesTheForm) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.version);
-    const SETUP_FILE_FORM form = FormOfVersion(row.version);
+    const SETUP_FILE_FORM form = FormOfVersion(row.version, PRODUCT_VERSION);
     EXPECT_EQ(row.hasNamesAndRows, form.hasNamesAndRows);
     EXPECT_EQ(row.rebuildsNames, form.rebuildsNames);
   }
-  EXPECT_FALSE(FormOfVersion(PRODUCT_VERSION).rebuildsNames) << "no file of ours may look old";
+  EXPECT_FALSE(FormOfVersion(PRODUCT_VERSION, PRODUCT_VERSION).rebuildsNames)
+      << "no file of ours may look old";
 }
 
 }  // namespace
