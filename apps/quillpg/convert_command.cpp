@@ -89,7 +89,7 @@ int RunConvertCommand(const CONVERT_OPTIONS& options) {
   CProgramFile capture;
   if (CSetupFile::IsSetupFile(options.input.file)) {
     CSetupFile file;
-    loaded = file.Read(options.input.file);
+    loaded = file.Read(options.input);
     if (loaded == STATUS_GOOD) loaded = file.LoadForEditing(session);
   } else {
     loaded = capture.Load(options.input, session, router);

@@ -29,12 +29,8 @@ int CProgramFile::Load(const INPUT_OPTIONS& options, CServerSession& session,
 }
 
 int CProgramFile::LoadSetup(const INPUT_OPTIONS& options, CServerSession& session) {
-  if (!options.period.empty()) {
-    ReportError("--period is for captures: " + options.file + " holds its own clock");
-    return STATUS_UNUSABLE;
-  }
   CSetupFile file;
-  int status = file.Read(options.file);
+  int status = file.Read(options);
   if (status == STATUS_GOOD) status = file.LoadForPlay(session);
   if (status != STATUS_GOOD) return status;
   CInstrumentManager* instruments = nullptr;

@@ -69,6 +69,12 @@ int CSetupFile::Read(const std::string& path) {
   return STATUS_GOOD;
 }
 
+int CSetupFile::Read(const INPUT_OPTIONS& options) {
+  if (options.period.empty()) return Read(options.file);
+  ReportError("--period is for captures: " + options.file + " holds its own clock");
+  return STATUS_UNUSABLE;
+}
+
 std::string CSetupFile::Damage() const {
   if (!Failed(m_walked)) return {};
   return "field '" + m_contents.failedField + "' at byte " +

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "command_line.h"
 #include "persistence/setup_file_walker.h"
 #include "quillpg/result_codes.h"
 
@@ -19,6 +20,8 @@ class CSetupFile {
   /// Reads the file into memory and walks it. STATUS_UNUSABLE for a file that cannot be read or is
   /// no setup file; a file that goes wrong further on is good so far, see Damage.
   int Read(const std::string& path);
+  /// The same for a command that takes captures too, whose options it refuses.
+  int Read(const INPUT_OPTIONS& options);
 
   const std::string& Bytes() const { return m_bytes; }
   const SETUP_FILE_CONTENTS& Contents() const { return m_contents; }

@@ -1,0 +1,96 @@
+#!/usr/bin/env python3
+"""The tool's work on setup files. Usage: setup_file_test.py TOOL"""
+import unittest
+
+from harness import CAPTURES, CLOCK, ROOT, ToolTest
+import vcd
+
+REFERENCES = ROOT / "tests" / "data" / "setup"
+
+
+class Convert(ToolTest):
+    def test_a_capture_plays_the_same_from_its_setup_file(self):
+        capture = CAPTURES / "uart_text.vcd"
+        for options, out in (([], "system.pgs"), (["--instrument", "pg 1"], "module.pgs")):
+            with self.subTest(out=out):
+                done = self.run_tool("convert", capture, out, *options)
+                self.assertEqual((0, ""), (done.returncode, done.stderr))
+                length = vcd.Vcd(capture).samples(1_000_000, {})[1]
+                for source, pins in ((capture, "from_capture.vcd"), (out, "from_setup.vcd")):
+                    done = self.run_tool("run", source, "--vcd", pins, "--max-vectors", length)
+                    self.assertEqual((0, ""), (done.returncode, done.stderr))
+                dumps = [(self.folder / name).read_text().split("$enddefinitions $end")[1]
+                         for name in ("from_capture.vcd", "from_setup.vcd")]
+                self.assertEqual(*dumps)
+
+    def test_rewriting_changes_nothing_but_the_date(self):
+        for name in ("minimal", "simple", "two_modules_half", "random_a", "random_b", "other_pods"):
+            with self.subTest(name=name):
+                source = REFERENCES / f"{name}.pgs"
+                self.assertEqual(0, self.run_tool("convert", "-q", source, "out.pgs").returncode)
+                date = slice(source.read_bytes().index(b"03/07/04"), None)
+                before, after = (bytearray(path.read_bytes()) for path in (source, self.folder / "out.pgs"))
+                after[date.start:date.start + 17] = before[date.start:date.start + 17]
+                self.assertEqual(before, after)
+
+    def test_what_is_refused(self):
+        self.write("clock.vcd", CLOCK)
+        self.write("bad.pgs", (REFERENCES / "random_a.pgs").read_bytes()[:900])
+        rows = [  # arguments, words on standard error
+            (["convert", "clock.vcd", "out.pgs", "--instrument", "none"], "none"),
+            (["convert", "clock.vcd", "missing/out.pgs"], "missing/out.pgs"),
+            (["convert", REFERENCES / "simple.pgs", "out.pgs", "--period", "1us"], "--period"),
+            (["run", "bad.pgs"], "bad.pgs"),
+            (["info", "clock.vcd"], "not a setup file"),
+            (["dump", "bad.pgs"], "instrument 0"),
+            (["merge", REFERENCES / "simple.pgs", "--modules", "0-1", "out.pgs"], "cannot be merged"),
+            (["merge", REFERENCES / "simple.pgs", "--modules", "1", "out.pgs"], "0-1"),
+            (["testdata", "nonsense", "out.pgs"], "walking-ones"),
+            (["run", REFERENCES / "simple.pgs", "--period", "1us"], "--period"),
+        ]
+        for arguments, words in rows:
+            with self.subTest(arguments=arguments):
+                done = self.run_tool(*arguments)
+                self.assertEqual(2, done.returncode, done.stdout)
+                self.assertIn(words, done.stderr)
+                self.assertEqual(["bad.pgs", "clock.vcd"], self.files())
+
+
+class Look(ToolTest):
+    def test_info_and_dump_tell_the_same_file(self):
+        source = REFERENCES / "two_modules_half.pgs"
+        info = self.run_tool("info", source)
+        self.assertEqual((0, ""), (info.returncode, info.stderr))
+        self.assertIn("2 modules, HALF", info.stdout)
+        dump = self.run_tool("dump", source).stdout.splitlines()
+        self.assertTrue(dump[0].startswith("00000000 "), dump[0])
+        ends = 0
+        for line in dump:  # field after field, without a gap
+            offset, size = line.split()[:2]
+            self.assertEqual(ends, int(offset, 16), line)
+            ends += int(size)
+        self.assertEqual(source.stat().st_size, ends)
+
+
+class Make(ToolTest):
+    def test_generated_programs_check_and_play(self):
+        for kind, half in (("max-events", False), ("max-subsequences", False), ("max-block-size", True)):
+            with self.subTest(kind=kind):
+                options = ["--half"] if half else []
+                self.assertEqual(0, self.run_tool("testdata", kind, "test.pgs", *options).returncode)
+                self.assertEqual(0, self.run_tool("check", "test.pgs").returncode)
+                done = self.run_tool("run", "test.pgs", "--vcd", "pins.vcd", "--max-vectors", 500)
+                self.assertEqual((0, ""), (done.returncode, done.stderr))
+
+    def test_a_program_of_events_never_waits_in_vain(self):
+        self.run_tool("testdata", "max-events", "test.pgs")
+        # Each event has a row for every state of the inputs E7 to E0.
+        self.assertEqual(0, self.run_tool("run", "test.pgs", "--quiet").returncode)
+
+    def test_merged_modules_make_one_instrument(self):
+        self.assertEqual(0, self.run_tool("testdata", "cell", "two.pgs", "--modules", "2").returncode)
+        self.assertIn("2 modules", self.run_tool("info", "two.pgs").stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()
