@@ -35,7 +35,7 @@ int CFileManager::IsHardwarePresent() {
 
 Status CFileManager::GenerateVisaStub() {
   if (IsHardwarePresent() != 0) return S_OK;
-  if (m_working || !m_instruments || m_instruments->IsBusy()) return S_OK;
+  if (m_working || !m_server || !m_instruments || m_instruments->IsBusy()) return S_OK;
   (void)GuardAllocation([&] { return SimulateModules(); });
   return S_OK;
 }
