@@ -81,7 +81,7 @@ void ReadIntoModel(std::span<const std::uint8_t> bytes) {
   FIXED_SECTION section;
   CSetupFileReader reader(bytes);
   if (Failed(section.Read(reader, PRODUCT_NAME))) return;
-  SETUP_FILE_FORM form = FormOfVersion(section.softwareVersion);
+  SETUP_FILE_FORM form = FormOfVersion(section.softwareVersion, PRODUCT_VERSION);
   form.stepsOver = section.fileType != FileType::System && section.fileType != FileType::Module;
   reader.SetForm(form);
   const bool program = section.programDataSaved != 0;
