@@ -10,7 +10,10 @@ namespace quillpg {
 namespace {
 
 // A count that lies is found out after this many bytes, whatever it claims.
-constexpr std::uint64_t kChunk = 64 * 1024;
+constexpr std::uint64_t kChunk = 65'536;
+// What a sink is handed at a time: few enough calls, and still in the cache.
+constexpr std::size_t kSinkBuffer = 262'144;
+constexpr std::size_t kLeastBuffer = 4096;
 
 // Bytes from the stream's position to its end.
 std::uint64_t LengthLeft(std::istream& stream) {
@@ -177,12 +180,12 @@ void CByteWriter::Zeros(const char* /*name*/, std::uint64_t count) {
   }
 }
 
+// The buffer doubles; with a sink only up to what the sink is handed at a time.
 bool CByteWriter::MakeRoom(std::size_t size) {
-  if (m_sink) Flush();
+  if (m_buffer.size() >= kSinkBuffer) Flush();
   if (!m_failed && size > m_buffer.size() - m_used) {
     const Status status = GuardAllocation([&] {
-      const std::size_t needed = std::max(m_used + size, static_cast<std::size_t>(kChunk));
-      m_buffer.resize(m_sink ? needed : std::max(needed, 2 * m_buffer.size()));
+      m_buffer.resize(std::max({kLeastBuffer, m_used + size, 2 * m_buffer.size()}));
       return S_OK;
     });
     m_failed = Failed(status);
