@@ -1,0 +1,145 @@
+#include "persistence/visa_stub_gen.h"
+
+#include "hardware/module_manager.h"
+#include "support/golden.h"
+#include "support/saved_system.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace quillpg {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* kStubName = "simulation.ini";
+
+// A saved system, looked at as a front end does before it has the modules of the file simulated.
+class CStubbedSystem : public CSavedSystem {
+ public:
+  explicit CStubbedSystem(int modules, bool option = false) : CSavedSystem(modules, option) {
+    (void)Files().SaveSystem(File(), "", 1);
+    (void)Server().InitializeVisaStubFile(File(kStubName));
+    PREVIEW_INFO info;
+    (void)Files().Preview(File(), info);
+  }
+  std::string Written() { return Folder().Text(kStubName); }
+  int Modules() {
+    CModuleManager* manager = nullptr;
+    (void)Server().GetModuleManager(&manager);
+    int count = -1;
+    (void)manager->GetNoOfModules(count);
+    return count;
+  }
+};
+
+std::vector<std::string> LinesStartingWith(const std::string& text, const std::string& start) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) {
+    if (line.starts_with(start)) lines.push_back(line);
+  }
+  return lines;
+}
+
+TEST(VisaStub, GoldenFileOfOneModuleWithTheOption) {
+  CStubbedSystem one(1, true);
+  ASSERT_EQ(S_OK, one.Files().GenerateVisaStub());
+  ExpectGolden("simulation_one_module.ini", one.Written());
+}
+
+TEST(VisaStub, GoldenFileOfThreeModules) {
+  CStubbedSystem three(3);
+  ASSERT_EQ(S_OK, three.Files().GenerateVisaStub());
+  ExpectGolden("simulation_three_modules.ini", three.Written());
+}
+
+// Whoever forgets to name the file anew gets the old sections and the new ones, by design.
+TEST(VisaStub, SectionsAccumulateUntilTheFileIsNamedAnew) {
+  CStubbedSystem system(2);
+  (void)system.Files().GenerateVisaStub();
+  (void)system.Files().GenerateVisaStub();
+  EXPECT_EQ(2, system.Modules());
+  EXPECT_THAT(
+      LinesStartingWith(system.Written(), "2748 "),
+      ElementsAre("2748 1064 3 1 V", "2748 1064 5 2 V", "2748 1064 3 3 V", "2748 1064 5 4 V"));
+  (void)system.Server().InitializeVisaStubFile(system.File(kStubName));
+  (void)system.Files().GenerateVisaStub();
+  EXPECT_EQ(2U, LinesStartingWith(system.Written(), "2748 ").size());
+}
+
+TEST(VisaStub, ExpansionIsDeclaredAndAnswersNothing) {
+  CTemporaryFolder folder;
+  CVisaStubGen generator;
+  ASSERT_EQ(S_OK, generator.Initialize(folder.File(kStubName)));
+  ASSERT_EQ(S_OK, generator.AddModule({.slot = 1, .kind = 1, .pods = ""}));
+  ASSERT_EQ(S_OK, generator.AddModule({.slot = 4, .pods = "ECL"}));
+  ASSERT_EQ(S_OK, generator.WriteFile());
+  const std::string text = folder.Text(kStubName);
+  const std::string rule = "#" + std::string(70, '-') + "\n";
+  EXPECT_THAT(text,
+              HasSubstr(rule + "# QXI-1 Expansion Interface Module\n" + rule +
+                        "2748 1001 1 255 V\n\n" + rule + "# QPG-64 Pattern Generator Module\n"));
+  EXPECT_THAT(text, HasSubstr("\n2748 1064 4 2 V\n\n[TERMINATION LF]\n"));
+  EXPECT_THAT(text, HasSubstr("\n>SYSTEM:CONFIG:POD?<>\"ECL\">\n\n"));
+}
+
+// --- what becomes of the live system ---
+
+TEST(VisaStub, FileLoadsOnTheModulesMadeForIt) {
+  for (const bool option : {false, true}) {
+    SCOPED_TRACE(option);
+    CStubbedSystem system(2, option);
+    ASSERT_EQ(S_OK, system.Simulation().SetModules(0));
+    ASSERT_EQ(S_OK, system.Files().GenerateVisaStub());
+    EXPECT_EQ(2, system.Modules());
+    int left = -1;
+    (void)system.Instrument(0)->GetNoOfModules(left);
+    EXPECT_EQ(0, left);
+    EXPECT_EQ(S_OK, system.Files().CanLoadSystemFile(system.File()));
+    ASSERT_EQ(S_OK, system.Server().LoadSystem(system.File()));
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(CSavedSystem::DataOf(i), system.Data(i)) << i;
+    long depth = 0;
+    (void)system.Instrument(1)->GetMemoryDepth(depth);
+    EXPECT_EQ(option ? OPTION_MEMORY_DEPTH : DEFAULT_MEMORY_DEPTH, depth);
+  }
+}
+
+TEST(VisaStub, NothingHappensWithHardware) {
+  CStubbedSystem system(2);
+  system.Simulation().Mainframe().hardwarePresent = true;
+  EXPECT_EQ(1, CFileManager::IsHardwarePresent());
+  EXPECT_EQ(S_OK, system.Files().GenerateVisaStub());
+  EXPECT_THAT(system.Written(), IsEmpty());
+  int kept = -1;
+  (void)system.Instrument(1)->GetNoOfModules(kept);
+  EXPECT_EQ(1, kept);
+}
+
+TEST(VisaStub, NothingHappensWhileTheEngineWorks) {
+  CStubbedSystem system(1);
+  const CBusyMark busy(system.Instruments());
+  EXPECT_EQ(S_OK, system.Files().GenerateVisaStub());
+  EXPECT_THAT(system.Written(), IsEmpty());
+}
+
+TEST(VisaStub, ModulesComeUpWithoutAFile) {
+  CStubbedSystem system(3);
+  for (const std::string& path : {std::string(), system.File("no folder/file.ini")}) {
+    SCOPED_TRACE(path);
+    (void)system.Server().InitializeVisaStubFile(path);
+    ASSERT_EQ(S_OK, system.Simulation().SetModules(1));
+    EXPECT_EQ(S_OK, system.Files().GenerateVisaStub());
+    EXPECT_EQ(3, system.Modules());
+    CVisaStubGen* generator = nullptr;
+    (void)system.Server().GetVisaStubGenerator(&generator);
+    EXPECT_EQ(E_FAIL, generator->WriteFile());
+  }
+}
+
+}  // namespace
+}  // namespace quillpg
