@@ -18,7 +18,7 @@ CSimulatedHardware::~CSimulatedHardware() = default;
 
 CSimulationControl& CSimulatedHardware::Control() { return m_parts->control; }
 
-Status CSimulatedHardware::Initialize() { return S_OK; }
+Status CSimulatedHardware::Initialize() { return m_parts->system.Start(); }
 
 Status CSimulatedHardware::GetSystem(CSystem** system) {
   if (!system) return E_FAIL;

@@ -10,7 +10,8 @@ namespace quillpg {
 
 /// The hardware library without hardware: a mainframe with pattern generator modules that keep
 /// what they are sent, answer with it and play what was downloaded on a virtual clock. At first
-/// five modules in slots 3, 5, 7, 9 and 11; Control() changes that and everything else.
+/// five modules in slots 3, 5, 7, 9 and 11, or those that a configuration file declares; Control()
+/// changes that and everything else.
 ///
 /// Independent of any other object of this class: a test makes its own and installs it.
 class QUILLPG_API CSimulatedHardware : public CHardwareManager {

@@ -12,6 +12,7 @@ inline constexpr std::string_view SIMULATED_EXPANSION_NAME = "QXI-1";
 inline constexpr std::string_view SIMULATED_SERIAL = "AA123456";
 inline constexpr std::string_view SIMULATED_FIRMWARE = "0.17";
 inline constexpr std::string_view SIMULATED_DIAGNOSTICS = "PASS";
+inline constexpr std::string_view SIMULATED_OPTION = "OPT1S";
 inline constexpr std::string_view SIMULATED_PODS = "TTL/CMOS,None,Variable,ECL";
 
 inline constexpr int SIMULATED_MODULES = 5;  ///< as many as the widest instrument has

@@ -2,6 +2,10 @@
 
 #include "base/guard.h"
 #include "hardware/simulation/call_monitor.h"
+#include "hardware/simulation/module_list.h"
+#include "hardware/simulation/stub_file.h"
+#include "hardware/simulation/stub_identity.h"
+#include "hardware/simulation/stub_section.h"
 #include "hardware/simulation/unit_unpacker.h"
 #include "hardware/simulation/virtual_clock.h"
 #include "quillpg/limits.h"
@@ -9,6 +13,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <sstream>
 #include <utility>
 
 namespace quillpg {
@@ -36,11 +41,12 @@ long MemoryDepth(const SIMULATED_MODULE& description) {
 }  // namespace
 
 CSimulatedModule::CSimulatedModule(int index, SIMULATED_MODULE description, CCallMonitor& calls,
-                                   CVirtualClock& clock)
+                                   CVirtualClock& clock, CModuleList& list)
     : m_index(index),
       m_description(std::move(description)),
       m_calls(calls),
       m_clock(clock),
+      m_list(list),
       m_settings(m_description.settings),
       m_sequencer(index, m_program, m_settings, clock.Environment()),
       m_errorText(kNoError) {}
@@ -49,6 +55,7 @@ CSimulatedModule::CSimulatedModule(int index, SIMULATED_MODULE description, CCal
 
 bool CSimulatedModule::Enter(std::string_view operation, std::span<const CALL_ARGUMENT> arguments,
                              std::span<const std::uint16_t> words) {
+  m_list.OpenAnswers();
   return m_calls.Enter({m_index, operation, arguments, words});
 }
 
@@ -63,6 +70,13 @@ template <typename Action>
 Status CSimulatedModule::Call(std::string_view operation, ARGUMENTS arguments, Action&& action) {
   const Status status = GuardAllocation(
       [&]() -> Status { return Enter(operation, arguments, {}) ? action() : E_FAIL; });
+  return Leave(operation, status);
+}
+
+Status CSimulatedModule::Tell(std::string_view operation, ARGUMENTS arguments) {
+  const Status status = GuardAllocation([&] {
+    return m_calls.Enter({m_index, operation, arguments, {}}) ? S_OK : E_FAIL;
+  });
   return Leave(operation, status);
 }
 
@@ -92,13 +106,50 @@ Status CSimulatedModule::ReadSetting(Setting setting, std::string_view operation
   });
 }
 
+// --- answers of the configuration file ---
+
+void CSimulatedModule::AnswerFrom(CStubFile& file, int section) {
+  m_stubFile = &file;
+  m_section = section;
+  ApplyStubAnswers(file, section, m_description);
+  m_settings.Assign(m_description.settings);
+}
+
+// Hands the file to `action`; without one, the section that would be written for this module.
+template <typename Action>
+Status CSimulatedModule::WithStubFile(Action&& action) {
+  return GuardAllocation([&] {
+    m_list.OpenAnswers();
+    if (m_stubFile) return action(*m_stubFile, m_section);
+    std::string text;
+    AppendPatternGeneratorSection(
+        {m_description.slot, m_index + 1, m_description.option, m_description.pods}, text);
+    std::istringstream stream(text);
+    CStubFile builtIn;
+    const Status status = builtIn.Read(stream);
+    return status == S_OK && builtIn.ModuleCount() > 0 ? action(builtIn, 0) : E_FAIL;
+  });
+}
+
+Status CSimulatedModule::Query(const std::string& command, std::string& reply) {
+  return WithStubFile(
+      [&](CStubFile& file, int section) { return file.Query(section, command, reply); });
+}
+
+Status CSimulatedModule::GetTermination(StubTermination& termination) {
+  return WithStubFile([&](const CStubFile& file, int section) {
+    termination = file.Termination(section);
+    return S_OK;
+  });
+}
+
 // --- identity ---
 
 Status CSimulatedModule::SetLogDirectory(const std::string& directory) {
-  return Call("SetLogDirectory", {std::string_view(directory)}, [] { return S_OK; });
+  return Tell("SetLogDirectory", {std::string_view(directory)});
 }
 Status CSimulatedModule::SetMessageRouter(CMessageRouter* /*router*/) {
-  return Call("SetMessageRouter", {}, [] { return S_OK; });
+  return Tell("SetMessageRouter", {});
 }
 Status CSimulatedModule::GetModuleProperties(std::string& text) {
   return Call("GetModuleProperties", {}, [&] {

@@ -21,7 +21,10 @@
 namespace quillpg {
 
 class CCallMonitor;
+class CModuleList;
+class CStubFile;
 class CVirtualClock;
+enum class StubTermination;
 
 /// A simulated pattern generator module: answers from its description, keeps every setting and
 /// reads it back, takes the program and plays it.
@@ -31,9 +34,9 @@ class CVirtualClock;
 /// reported likewise.
 class CSimulatedModule final : public CSorrelModule {
  public:
-  /// `index` counts over the whole system. Monitor and clock must outlive the module.
+  /// `index` counts over the whole system. Monitor, clock and list must outlive the module.
   CSimulatedModule(int index, SIMULATED_MODULE description, CCallMonitor& calls,
-                   CVirtualClock& clock);
+                   CVirtualClock& clock, CModuleList& list);
 
   SIMULATED_MODULE& Description() { return m_description; }
   const SIMULATED_MODULE& Description() const { return m_description; }
@@ -44,6 +47,14 @@ class CSimulatedModule final : public CSorrelModule {
   int WeldMode() const { return m_settings.Number(Setting::WeldMode); }
   /// What GetSequencerStatus answers instead of the true state.
   void SetSequencerText(std::optional<std::string> text) { m_sequencerText = std::move(text); }
+
+  /// Takes identity and settings from a section of `file`, which must outlive the module, and
+  /// answers queries from it.
+  void AnswerFrom(CStubFile& file, int section);
+  /// Answers an instrument command, without the termination that the bus would add. E_FAIL, with
+  /// `reply` untouched, when there is no answer. What was set does not change what is answered.
+  Status Query(const std::string& command, std::string& reply);
+  Status GetTermination(StubTermination& termination);
 
   // CVXIModule, CModuleInfo
   Status SetLogDirectory(const std::string& directory) override;
@@ -120,9 +131,13 @@ class CSimulatedModule final : public CSorrelModule {
   /// GetLastError.
   template <typename Action>
   Status Call(std::string_view operation, ARGUMENTS arguments, Action&& action);
+  /// A call that asks for no answer: modules are told before their configuration file is written.
+  Status Tell(std::string_view operation, ARGUMENTS arguments);
   bool Enter(std::string_view operation, std::span<const CALL_ARGUMENT> arguments,
              std::span<const std::uint16_t> words);
   Status Leave(std::string_view operation, Status status);
+  template <typename Action>
+  Status WithStubFile(Action&& action);
   template <typename Value>
   Status Answer(std::string_view operation, Value& out, const Value& value);
 
@@ -192,6 +207,9 @@ class CSimulatedModule final : public CSorrelModule {
   SIMULATED_MODULE m_description;
   CCallMonitor& m_calls;
   CVirtualClock& m_clock;
+  CModuleList& m_list;
+  CStubFile* m_stubFile = nullptr;  // null: built-in answers
+  int m_section = 0;
   CModuleSettings m_settings;
   CPatternMemory m_memory;
   CPatternProgram m_program;

@@ -1,6 +1,8 @@
 #include "hardware/simulation/simulated_system.h"
 
 #include "base/guard.h"
+#include "hardware/simulation/simulated_module.h"
+#include "hardware/simulation/stub_file.h"
 #include "hardware/simulation/virtual_clock.h"
 
 #include <algorithm>
@@ -10,12 +12,7 @@ namespace quillpg {
 
 CSimulatedSystem::CSimulatedSystem(CCallMonitor& calls, CVirtualClock& clock)
     : m_calls(calls), m_clock(clock) {
-  SetModules(MakeDescriptions(SIMULATED_MODULES, false));
-}
-
-CSimulatedModule* CSimulatedSystem::Module(int index) const {
-  return index >= 0 && index < ModuleCount() ? m_modules[static_cast<std::size_t>(index)].get()
-                                             : nullptr;
+  Replace(std::make_unique<CModuleList>(MakeDescriptions(SIMULATED_MODULES, false), calls, clock));
 }
 
 std::vector<SIMULATED_MODULE> CSimulatedSystem::MakeDescriptions(int count, bool option) {
@@ -28,19 +25,42 @@ std::vector<SIMULATED_MODULE> CSimulatedSystem::MakeDescriptions(int count, bool
   return descriptions;
 }
 
-void CSimulatedSystem::SetModules(std::vector<SIMULATED_MODULE> descriptions) {
-  MODULES modules;
-  std::vector<CSimulatedModule*> clocked;
-  for (SIMULATED_MODULE& description : descriptions) {
-    const int index = static_cast<int>(modules.size());
-    modules.push_back(
-        std::make_unique<CSimulatedModule>(index, std::move(description), m_calls, m_clock));
-    clocked.push_back(modules.back().get());
-  }
-  m_clock.SetModules(std::move(clocked));
+void CSimulatedSystem::Replace(std::unique_ptr<CModuleList> modules) {
+  m_clock.SetModules(modules->All());
   m_modules.swap(modules);
   if (m_handedOut) m_retired.swap(modules);
   m_handedOut = false;
+}
+
+void CSimulatedSystem::SetModules(std::vector<SIMULATED_MODULE> descriptions) {
+  Replace(std::make_unique<CModuleList>(std::move(descriptions), m_calls, m_clock));
+  m_hostModules = true;
+}
+
+void CSimulatedSystem::SetStubFile(const std::string& path) {
+  m_stubPath = path;
+  m_hostModules = false;
+}
+
+Status CSimulatedSystem::Start() {
+  return GuardAllocation([&] {
+    if (m_hostModules || m_mainframe.hardwarePresent) return S_OK;
+    auto file = std::make_unique<CStubFile>();
+    const std::filesystem::path path = m_stubPath.empty() ? FindStubFile() : m_stubPath;
+    if (path.empty() || file->Open(path) != S_OK) return S_OK;
+    const int count = std::min(file->ModuleCount(), SIMULATED_MOST_MODULES);
+    std::vector<SIMULATED_MODULE> descriptions = MakeDescriptions(count, false);
+    for (int i = 0; i < count; ++i) {
+      const STUB_DECLARATION& declared = file->Declaration(i);
+      SIMULATED_MODULE& module = descriptions[static_cast<std::size_t>(i)];
+      module.slot = declared.slot;
+      module.manufacturer = static_cast<Manufacturer>(declared.manufacturer);
+    }
+    auto modules = std::make_unique<CModuleList>(std::move(descriptions), m_calls, m_clock);
+    modules->TakeFile(std::move(file), 0);
+    Replace(std::move(modules));
+    return S_OK;
+  });
 }
 
 // --- the frame and its slots ---
@@ -52,26 +72,24 @@ Status CSimulatedSystem::GetSystemInfo(CSystemInfo** info) {
 }
 
 Status CSimulatedSystem::GetFirstSorrelModulePos(int& pos) {
-  pos = m_modules.empty() ? -1 : 0;
+  pos = m_modules->Count() > 0 ? 0 : -1;
   return S_OK;
 }
 
 Status CSimulatedSystem::GetNextSorrelModule(int& pos, CSorrelModule** module) {
-  CSimulatedModule* found = Module(pos);
+  CSimulatedModule* found = m_modules->At(pos);
   if (!module || !found) return E_FAIL;
   *module = found;
   m_handedOut = true;
-  pos = pos + 1 < ModuleCount() ? pos + 1 : -1;
+  pos = pos + 1 < m_modules->Count() ? pos + 1 : -1;
   return S_OK;
 }
 
 Status CSimulatedSystem::GetModuleAt(int slot, CVXIModule** module) {
   if (!module) return E_FAIL;
-  *module = nullptr;
-  const auto found = std::ranges::find_if(
-      m_modules, [slot](const auto& candidate) { return candidate->Description().slot == slot; });
-  if (found == m_modules.end()) return E_FAIL;
-  *module = found->get();
+  CSimulatedModule* found = m_modules->InSlot(slot);
+  *module = found;
+  if (!found) return E_FAIL;
   m_handedOut = true;
   return S_OK;
 }
@@ -118,7 +136,9 @@ Status CSimulatedSystem::AddModuleFromStub(int option) {
 
 Status CSimulatedSystem::LoadFromStubComplete() {
   return GuardAllocation([&] {
-    SetModules(std::exchange(m_fromStub, {}));
+    auto modules = std::make_unique<CModuleList>(std::exchange(m_fromStub, {}), m_calls, m_clock);
+    modules->ExpectFile(m_stubPath);
+    Replace(std::move(modules));
     return S_OK;
   });
 }
@@ -136,7 +156,7 @@ Status CSimulatedSystem::GetNoOfExpansions(int& count) {
 }
 
 Status CSimulatedSystem::GetNoOfModules(int& count) {
-  count = ModuleCount();
+  count = m_modules->Count();
   return S_OK;
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "hardware/hardware_library.h"
+#include "hardware/simulation/module_list.h"
 #include "hardware/simulation/simulated_mainframe.h"
 #include "hardware/simulation/simulated_module.h"
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,15 +22,20 @@ class CSimulatedSystem final : public CSystem, public CSystemInfo {
   CSimulatedSystem(CCallMonitor& calls, CVirtualClock& clock);
 
   SIMULATED_MAINFRAME& Mainframe() { return m_mainframe; }
-  int ModuleCount() const { return static_cast<int>(m_modules.size()); }
-  CSimulatedModule* Module(int index) const;  ///< null for a bad index
+  CModuleList& Modules() const { return *m_modules; }
 
   /// `count` equal modules in every second slot from the first one on.
   static std::vector<SIMULATED_MODULE> MakeDescriptions(int count, bool option);
 
-  /// Replaces the modules. The engine may still know those that were handed out: they live on until
-  /// modules that were handed out are replaced the next time.
+  /// Replaces the modules, and Start keeps these. The engine may still know those that were handed
+  /// out: they live on until modules that were handed out are replaced the next time.
   void SetModules(std::vector<SIMULATED_MODULE> descriptions);
+  /// The configuration file to take instead of the one that is found; empty ends that. Start looks
+  /// for modules in it again, whatever SetModules said before.
+  void SetStubFile(const std::string& path);
+  /// Makes the modules that the configuration file declares, when there is one, no hardware, and no
+  /// modules of the host.
+  Status Start();
 
   // CSystem
   Status GetSystemInfo(CSystemInfo** info) override;
@@ -51,15 +58,17 @@ class CSimulatedSystem final : public CSystem, public CSystemInfo {
   Status GetFrontPanelConfig(std::string& text) override;
 
  private:
-  using MODULES = std::vector<std::unique_ptr<CSimulatedModule>>;
+  void Replace(std::unique_ptr<CModuleList> modules);
 
   CCallMonitor& m_calls;
   CVirtualClock& m_clock;
   SIMULATED_MAINFRAME m_mainframe;
-  MODULES m_modules;
-  MODULES m_retired;         // replaced, but perhaps still known to the engine
-  bool m_handedOut = false;  // one of m_modules is known outside
+  std::unique_ptr<CModuleList> m_modules;  // never null
+  std::unique_ptr<CModuleList> m_retired;  // replaced, but perhaps still known to the engine
+  bool m_handedOut = false;                // one of m_modules is known outside
+  bool m_hostModules = false;              // the host said which modules there are
   std::vector<SIMULATED_MODULE> m_fromStub;
+  std::filesystem::path m_stubPath;  // empty: searched for
 };
 
 }  // namespace quillpg

@@ -2,6 +2,7 @@
 
 #include "base/guard.h"
 #include "hardware/simulation/call_monitor.h"
+#include "hardware/simulation/simulated_module.h"
 #include "hardware/simulation/simulated_system.h"
 #include "hardware/simulation/virtual_clock.h"
 
@@ -29,14 +30,37 @@ Status CSimulationControl::SetModules(std::vector<SIMULATED_MODULE> modules) {
   });
 }
 
-int CSimulationControl::ModuleCount() const { return m_system.ModuleCount(); }
+int CSimulationControl::ModuleCount() const { return m_system.Modules().Count(); }
+
+void CSimulationControl::SetStubFile(const std::string& path) {
+  (void)GuardAllocation([&] {
+    m_system.SetStubFile(path);
+    return S_OK;
+  });
+}
 
 SIMULATED_MODULE* CSimulationControl::Module(int index) {
-  CSimulatedModule* module = m_system.Module(index);
+  CSimulatedModule* module = m_system.Modules().At(index);
+  (void)GuardAllocation([&] {  // a file that does not fit leaves the built-in answers
+    m_system.Modules().OpenAnswers();
+    return S_OK;
+  });
   return module ? &module->Description() : nullptr;
 }
 
-CSorrelModule* CSimulationControl::HardwareModule(int index) { return m_system.Module(index); }
+CSorrelModule* CSimulationControl::HardwareModule(int index) {
+  return m_system.Modules().At(index);
+}
+
+Status CSimulationControl::Query(int slot, const std::string& command, std::string& reply) {
+  CSimulatedModule* module = m_system.Modules().InSlot(slot);
+  return module ? module->Query(command, reply) : E_FAIL;
+}
+
+Status CSimulationControl::GetTermination(int slot, StubTermination& termination) {
+  CSimulatedModule* module = m_system.Modules().InSlot(slot);
+  return module ? module->GetTermination(termination) : E_FAIL;
+}
 
 SIMULATED_MAINFRAME& CSimulationControl::Mainframe() { return m_system.Mainframe(); }
 
@@ -52,7 +76,7 @@ void CSimulationControl::Quantise(const std::string& operation,
 }
 
 void CSimulationControl::SetSequencerText(int module, std::optional<std::string> text) {
-  if (CSimulatedModule* target = m_system.Module(module)) {
+  if (CSimulatedModule* target = m_system.Modules().At(module)) {
     target->SetSequencerText(std::move(text));
   }
 }
@@ -89,7 +113,7 @@ Status CSimulationControl::PlayUntilIdle(std::int64_t vectors, PlayEnd& end) {
 }
 
 Status CSimulationControl::GetSequencer(int module, SEQUENCER_POSITION& position) const {
-  CSimulatedModule* asked = m_system.Module(module);
+  CSimulatedModule* asked = m_system.Modules().At(module);
   if (!asked) return E_FAIL;
   const CSequencer& sequencer = m_clock.MasterOf(*asked).Sequencer();
   position = {sequencer.State(), sequencer.Line(), sequencer.AwaitedEvent(), sequencer.Clocked()};

@@ -20,6 +20,7 @@ class CCallSink;
 class CSimulatedSystem;
 class CSorrelModule;
 class CVirtualClock;
+enum class StubTermination;
 
 /// Why a play ended.
 enum class PlayEnd {
@@ -58,6 +59,15 @@ class QUILLPG_API CSimulationControl {
   SIMULATED_MODULE* Module(int index);
   /// The module as the engine sees it; null for a bad index.
   CSorrelModule* HardwareModule(int index);
+  /// The simulation configuration file to read instead of the one that is found beside the program
+  /// or in the host's system folder; empty brings the search back. Modules are made from it when
+  /// the library is initialised the next time.
+  void SetStubFile(const std::string& path);
+  /// What the module in `slot` answers to an instrument command, without termination. E_FAIL, with
+  /// `reply` untouched, for an empty slot and a command without an answer.
+  Status Query(int slot, const std::string& command, std::string& reply);
+  /// How the module in `slot` ends its replies on the bus.
+  Status GetTermination(int slot, StubTermination& termination);
   /// Answers of the mainframe, to be changed in place.
   SIMULATED_MAINFRAME& Mainframe();
 

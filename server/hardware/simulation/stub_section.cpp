@@ -181,7 +181,7 @@ void AppendPatternGeneratorSection(const STUB_SECTION& section, std::string& tex
   AppendReply("*IDN?", identity, text);
   AppendModuleReplies(text);
   AppendTestResults(text);
-  AppendReply("SYSTEM:CONFIG:OPT?", section.option ? "OPT1S" : "STD", text);
+  AppendReply("SYSTEM:CONFIG:OPT?", section.option ? SIMULATED_OPTION : "STD", text);
   AppendReply("SYSTEM:CONFIG:POD?", "\"" + std::string(section.pods) + "\"", text);
   text += '\n';
   for (const char pod : kPods) AppendPodReplies(pod, text);

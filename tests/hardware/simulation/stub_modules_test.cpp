@@ -1,0 +1,178 @@
+// How simulated modules take their answers from a configuration file: which file, and when.
+
+#include "hardware/simulation/simulated_hardware.h"
+#include "hardware/simulation/stub_file.h"
+#include "support/scripted_host.h"
+#include "support/temporary_folder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace quillpg {
+namespace {
+
+using testing::ElementsAre;
+
+/// A simulated library whose program and system folders are the test's.
+class StubModules : public testing::Test {
+ protected:
+  StubModules() {
+    m_host.executableDirectory = m_program.Path().string();
+    CHostServices::Set(&m_host);
+    (void)m_hardware.GetSystem(&m_system);
+  }
+  ~StubModules() override { CHostServices::Set(nullptr); }
+
+  CSimulationControl& Control() { return m_hardware.Control(); }
+
+  // Each as "slot serial".
+  std::vector<std::string> Modules() {
+    std::vector<std::string> modules;
+    int pos = -1;
+    (void)m_system->GetFirstSorrelModulePos(pos);
+    while (pos >= 0) {
+      CSorrelModule* module = nullptr;
+      int slot = 0;
+      std::string serial;
+      (void)m_system->GetNextSorrelModule(pos, &module);
+      (void)module->GetSlotNo(slot);
+      (void)module->GetSerialNo(serial);
+      modules.push_back(std::to_string(slot) + " " + serial);
+    }
+    return modules;
+  }
+  void LoadFromStub(int count) {
+    (void)m_system->PrepareLoadFromStub();
+    for (int i = 0; i < count; ++i) (void)m_system->AddModuleFromStub(i % 2);
+    (void)m_system->LoadFromStubComplete();
+  }
+  static std::string Section(int slot, const std::string& serial) {
+    return "2748 1064 " + std::to_string(slot) + " 1 V\n>SYSTEM:SNUM?<>" + serial + ">\n";
+  }
+  std::string Ask(int slot, const std::string& command) {
+    std::string reply;
+    return Control().Query(slot, command, reply) == S_OK ? reply : "none";
+  }
+
+  CTemporaryFolder m_program;
+  CTemporaryFolder m_other;
+  CScriptedHost m_host;
+  CSimulatedHardware m_hardware;
+  CSystem* m_system = nullptr;
+};
+
+TEST_F(StubModules, StartTakesTheFileBesideTheProgramThenTheSystems) {
+  m_host.systemDirectory = m_other.Path().string();
+  ASSERT_EQ(S_OK, m_hardware.Initialize());
+  EXPECT_EQ(5U, Modules().size());
+  m_other.Write("VISASTUB.INI", Section(6, "S"));
+  ASSERT_EQ(S_OK, m_hardware.Initialize());
+  EXPECT_THAT(Modules(), ElementsAre("6 S"));
+  m_program.Write("VisaStub.ini", Section(9, "P1") + "2748 1001 1 255 V\n" + Section(2, "P2"));
+  ASSERT_EQ(S_OK, m_hardware.Initialize());
+  EXPECT_THAT(Modules(), ElementsAre("9 P1", "2 P2"));
+  Control().Mainframe().hardwarePresent = true;
+  m_program.Write("VisaStub.ini", "");
+  ASSERT_EQ(S_OK, m_hardware.Initialize());
+  EXPECT_EQ(2U, Modules().size());
+  Control().Mainframe().hardwarePresent = false;
+  ASSERT_EQ(S_OK, m_hardware.Initialize());
+  EXPECT_THAT(Modules(), ElementsAre());  // a file that declares none
+}
+
+TEST_F(StubModules, TheHostsLastWordCounts) {
+  m_program.Write("visastub.ini", Section(9, "P"));
+  (void)Control().SetModules(1);
+  ASSERT_EQ(S_OK, m_hardware.Initialize());
+  EXPECT_THAT(Modules(), ElementsAre("3 AA123456"));
+  Control().SetStubFile(m_other.Write("any.name", Section(4, "X")));
+  ASSERT_EQ(S_OK, m_hardware.Initialize());
+  EXPECT_THAT(Modules(), ElementsAre("4 X"));
+}
+
+TEST_F(StubModules, TooManyDeclarationsAreCut) {
+  std::string text;
+  for (int i = 0; i < 300; ++i) text += Section(i, std::to_string(i));
+  Control().SetStubFile(m_other.Write("many.ini", text));
+  ASSERT_EQ(S_OK, m_hardware.Initialize());
+  EXPECT_EQ(256, Control().ModuleCount());
+  EXPECT_EQ("0 0", Modules().front());
+}
+
+// The engine discovers the modules before the file is written.
+TEST_F(StubModules, TheFileIsReadWhenAnAnswerIsFirstAskedFor) {
+  m_program.Write("visastub.ini", Section(3, "old"));
+  LoadFromStub(2);
+  for (int i = 0; i < 2; ++i) {
+    CSorrelModule* module = Control().HardwareModule(i);
+    EXPECT_EQ(1, module->VisaStub());
+    (void)module->SetLogDirectory("logs");
+    (void)module->SetMessageRouter(nullptr);
+  }
+  // Written twice over: the last two sections are those of now.
+  m_program.Write("visastub.ini", Section(3, "a") + Section(3, "b") +
+                                      ">OUTPUT:LEVEL? A<>4.0>\n>SYSTEM:CONFIG:OPT?<>OPT1S>\n" +
+                                      Section(5, "c") + ">SYSTEM:CONFIG:OPT?<>STD>\n");
+  CSorrelModule& first = *Control().HardwareModule(0);
+  EXPECT_EQ(S_OK, first.SetOutputLevel('B', 1.5F));
+  float level = 0;
+  (void)first.GetOutputLevel('A', level);
+  EXPECT_EQ(4.0F, level);
+  (void)first.GetOutputLevel('B', level);
+  EXPECT_EQ(1.5F, level);
+  long depth = 0;
+  (void)first.GetMemoryDepth(depth);
+  EXPECT_EQ(1048572, depth);
+  EXPECT_THAT(Modules(), ElementsAre("3 b", "5 c"));
+  Control().Module(1)->serial = "mine";
+  m_program.Write("visastub.ini", Section(3, "late"));
+  EXPECT_EQ("4.0", Ask(3, "output:level? a"));
+  EXPECT_EQ("none", Ask(3, "OUTPUT:LEVEL? B"));
+  EXPECT_THAT(Modules(), ElementsAre("3 b", "5 mine"));
+
+  LoadFromStub(1);
+  EXPECT_THAT(Modules(), ElementsAre("3 late"));
+  (void)first.ResetModule();  // of the list before: still there, with its own answers
+  (void)first.GetOutputLevel('B', level);
+  EXPECT_EQ(5.0F, level);
+}
+
+TEST_F(StubModules, WithoutAFileTheBuiltInAnswersHold) {
+  LoadFromStub(3);
+  struct ROW {
+    int slot;
+    const char* command;
+    const char* reply;
+  };
+  const ROW rows[] = {
+      {3, "OUTPUT:LEVEL? A", "5.0"},
+      {3, "OUTPUT:LEVEL:HIGH? B,2", "3.0"},
+      {3, "SYSTEM:CONFIG:OPT?", "STD"},
+      {5, "SYSTEM:CONFIG:OPT?", "OPT1S"},
+      {7, "SYSTEM:CONFIG:POD?", "\"TTL/CMOS,None,Variable,ECL\""},
+      {7, "TEST:RESULT:NUMB? 2401", "\"2401 PASS\""},
+      {7, "*idn?", "QUILLMARK,QPG-64,AA123455,SCPI:94.0 FVER:0.17 S"},
+      {7, "SYSTEM:NOTHING?", "none"},
+      {4, "OUTPUT:LEVEL? A", "none"},
+  };
+  for (const ROW& row : rows) {
+    SCOPED_TRACE(row.command);
+    EXPECT_EQ(row.reply, Ask(row.slot, row.command));
+  }
+  StubTermination termination{};
+  EXPECT_EQ(S_OK, Control().GetTermination(5, termination));
+  EXPECT_EQ(StubTermination::Lf, termination);
+  // Module edits before anything was asked hold, too.
+  m_program.Write("visastub.ini", Section(3, "file"));
+  LoadFromStub(1);
+  Control().Module(0)->pods = "ECL,ECL,ECL,ECL";
+  EXPECT_THAT(Modules(), ElementsAre("3 file"));
+  std::string pods;
+  (void)Control().HardwareModule(0)->GetPodTypes(pods);
+  EXPECT_EQ("ECL,ECL,ECL,ECL", pods);
+}
+
+}  // namespace
+}  // namespace quillpg
