@@ -11,8 +11,10 @@
 #include "report.h"
 #include "server_session.h"
 
+#include <filesystem>
 #include <fstream>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace quillpg::tool {
@@ -49,6 +51,9 @@ std::vector<SIMULATED_MODULE> DescribeModules(const SETUP_FILE_CONTENTS& content
 }  // namespace
 
 bool CSetupFile::IsSetupFile(const std::string& path) {
+  // What is taken from a pipe is gone: only a capture may come through one.
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return false;
   constexpr std::string_view product = PRODUCT_NAME;
   std::string start(product.size() + 1, 'x');
   std::ifstream file(path, std::ios::binary);
