@@ -109,6 +109,36 @@ TEST(VisaStub, FileLoadsOnTheModulesMadeForIt) {
   }
 }
 
+// The modules come up before the file stands, and it may be edited until it is first asked.
+TEST(VisaStub, ModulesAnswerFromTheFile) {
+  for (const bool option : {false, true}) {
+    SCOPED_TRACE(option);
+    CStubbedSystem system(2, option);
+    system.Host().executableDirectory = system.Folder().Path().string();
+    (void)system.Server().InitializeVisaStubFile(system.File("visastub.ini"));
+    ASSERT_EQ(S_OK, system.Files().GenerateVisaStub());
+    std::string text = system.Folder().Text("visastub.ini");
+    const std::string serial = ">SYSTEM:SNUM?<>AA123456>";
+    ASSERT_NE(std::string::npos, text.rfind(serial));
+    text.replace(text.rfind(serial), serial.size(), ">SYSTEM:SNUM?<>edited>");
+    system.Folder().Write("visastub.ini", text);
+
+    const auto ask = [&](int slot, const std::string& command) {
+      std::string reply;
+      return system.Simulation().Query(slot, command, reply) == S_OK ? reply : "no reply";
+    };
+    EXPECT_EQ("5.0", ask(3, "OUTPUT:LEVEL? A"));
+    EXPECT_EQ("3.0", ask(5, "output:level:high? B,2\n"));
+    EXPECT_EQ(option ? "OPT1S" : "STD", ask(5, "SYSTEM:CONFIG:OPT?"));
+    EXPECT_EQ("no reply", ask(5, "NO SUCH:COMMAND?"));
+    EXPECT_EQ("no reply", ask(4, "OUTPUT:LEVEL? A"));
+    EXPECT_EQ("AA123456", ask(3, "SYSTEM:SNUM?"));
+    std::string known;
+    EXPECT_EQ(S_OK, system.Simulation().HardwareModule(1)->GetSerialNo(known));
+    EXPECT_EQ("edited", known);
+  }
+}
+
 TEST(VisaStub, NothingHappensWithHardware) {
   CStubbedSystem system(2);
   system.Simulation().Mainframe().hardwarePresent = true;
