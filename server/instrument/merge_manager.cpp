@@ -28,8 +28,10 @@ Status Answer(int& result, int value) {
   return value < 0 ? E_FAIL : S_OK;
 }
 
-// Empty entries and those whose count was spoilt from outside hold no modules.
-int CountOf(const INSTRUMENT_INFO* info) { return info ? std::max(info->moduleCount, 0) : 0; }
+// Entries are handed out, so any count may stand in them; empty ones hold no modules.
+int CountOf(const INSTRUMENT_INFO* info) {
+  return info ? std::clamp(info->moduleCount, 0, MAX_INSTRUMENT_MODULES) : 0;
+}
 
 }  // namespace
 
@@ -137,11 +139,12 @@ Status CMergeManager::CanUnMerge(int module, int& can) const {
 }
 
 Status CMergeManager::Merge(int module) {
-  const int left = FindInstrument(module - 1);
   const int right = FindInstrument(module);
-  if (left < 0 || right < 0 || left == right) return E_FAIL;
+  if (right < 0) return E_FAIL;
+  const int left = FindInstrument(module - 1);
+  if (left < 0 || left == right) return E_FAIL;
   INSTRUMENT_INFO& joined = *m_instrumentInfo.At(left);
-  const int count = joined.moduleCount + m_instrumentInfo.At(right)->moduleCount;
+  const int count = CountOf(&joined) + CountOf(m_instrumentInfo.At(right));
   if (count > MAX_INSTRUMENT_MODULES) return E_FAIL;
   // Named while both are still listed, so that neither name is given again.
   std::string name;
@@ -158,18 +161,19 @@ Status CMergeManager::UnMerge(int module) {
   const int instrument = FindInstrument(module);
   if (instrument < 0) return E_FAIL;
   INSTRUMENT_INFO& split = *m_instrumentInfo.At(instrument);
-  if (split.moduleCount == 1) return S_OK;
+  const int count = CountOf(&split);
+  if (count == 1) return S_OK;
   const int kept = module - ModulesBefore(instrument);
   if (kept == 0) return E_FAIL;
-  const INSTRUMENT_INFO before = split;
-  Status status = GetUniqueInstrumentName(split.name);
   std::string name;
-  if (!Failed(status)) status = GetUniqueInstrumentName(name);
-  if (!Failed(status)) {
-    status = InsertInstrument(instrument + 1, split.frame, name, split.moduleCount - kept);
-  }
+  Status status = GetUniqueInstrumentName(name);
+  if (Failed(status)) return status;
+  split.name.swap(name);  // listed from now on, so that the next one differs
+  std::string rest;
+  status = GetUniqueInstrumentName(rest);
+  if (!Failed(status)) status = InsertInstrument(instrument + 1, split.frame, rest, count - kept);
   if (Failed(status)) {
-    split = before;
+    split.name.swap(name);
     return status;
   }
   split.moduleCount = kept;
@@ -241,7 +245,7 @@ Status CMergeManager::GetRoleName(int module, std::string& role) const {
   role.clear();
   const int instrument = FindInstrument(module);
   if (instrument < 0) return E_FAIL;
-  if (m_instrumentInfo.At(instrument)->moduleCount == 1) return S_OK;
+  if (CountOf(m_instrumentInfo.At(instrument)) == 1) return S_OK;
   return GuardAllocation([&] {
     const int place = module - ModulesBefore(instrument);
     role = place == 0 ? "Master" : FormatText("Slave%d", {place});
@@ -370,13 +374,13 @@ Status CMergeManager::GetNoOfModulesToTheLeft(int instrument, int& count) const 
 Status CMergeManager::IsModuleMerged(int module, int& merged) const {
   const int instrument = FindInstrument(module);
   if (instrument < 0) return Answer(merged, -1);
-  return Answer(merged, m_instrumentInfo.At(instrument)->moduleCount > 1 ? 1 : 0);
+  return Answer(merged, CountOf(m_instrumentInfo.At(instrument)) > 1 ? 1 : 0);
 }
 
 Status CMergeManager::GetMemoryDepth(int instrument, long& vectors) const {
   vectors = -1;
-  const int first = ModulesBefore(instrument);
   const int count = CountOf(m_instrumentInfo.At(instrument));
+  const int first = count > 0 ? ModulesBefore(instrument) : 0;
   if (count == 0 || !m_moduleInfo.HoldsRange(first, count)) return E_FAIL;
   vectors = m_moduleInfo.At(first)->memoryDepth;
   for (int i = 1; i < count; ++i) {

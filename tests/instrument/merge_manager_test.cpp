@@ -9,6 +9,7 @@
 #include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
 
+#include <climits>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -133,6 +134,12 @@ TEST(MergeManager, TellsWhatMayBeMergedAndSplit) {
     std::string role;
     EXPECT_EQ(engine.Merger().GetRoleName(i, role), S_OK);
     EXPECT_EQ(role, roles[i]);
+  }
+  for (const int bad : {INT_MIN, -1, 6, INT_MAX}) {
+    long depth = 0;
+    EXPECT_EQ(engine.Merger().Merge(bad), E_FAIL);
+    EXPECT_EQ(engine.Merger().UnMerge(bad), E_FAIL);
+    EXPECT_EQ(engine.Merger().GetMemoryDepth(bad, depth), E_FAIL);
   }
   int can = 1;
   EXPECT_EQ(engine.Merger().CanMerge(6, can), E_FAIL);
