@@ -284,23 +284,19 @@ void CInstrumentManager::DestroyAt(int position) {
 // --- properties of the system --------------------------------------------------------------------
 
 Status CInstrumentManager::GetFileName(std::string& name) const {
-  name = m_fileName;
-  return S_OK;
+  return StoreText(name, m_fileName);
 }
 
 Status CInstrumentManager::SetFileName(const std::string& name) {
-  m_fileName = name;
-  return S_OK;
+  return StoreText(m_fileName, name);
 }
 
 Status CInstrumentManager::GetComment(std::string& comment) const {
-  comment = m_comment;
-  return S_OK;
+  return StoreText(comment, m_comment);
 }
 
 Status CInstrumentManager::SetComment(const std::string& comment) {
-  m_comment = comment;
-  return S_OK;
+  return StoreText(m_comment, comment);
 }
 
 Status CInstrumentManager::GetNoOfExpansions(int& count) const {
