@@ -10,8 +10,7 @@ namespace quillpg {
 namespace {
 
 constexpr int kStages = MAX_SHIFT_REGISTERS;
-constexpr std::size_t kLongestRun =
-    128;  // words; what a run is made of stays in the fastest memory
+constexpr std::size_t kLongestRun = 128;  // words; what it is made of stays in the fastest memory
 
 constexpr std::uint32_t StageBit(int stage) {
   return stage >= 0 && stage < kStages ? std::uint32_t{1} << (kStages - 1 - stage) : 0;

@@ -37,7 +37,8 @@ Status CInstrument::GetMemoryDepth(long& vectors) const {
     if (Failed(status)) return status;
     smallest = std::min(smallest, depth);
   }
-  vectors = IsFull() ? smallest : std::min(smallest, std::numeric_limits<long>::max() / 2) * 2;
+  const int factor = LimitsOf(m_settings.channelMode).depthFactor;
+  vectors = std::min(smallest, std::numeric_limits<long>::max() / factor) * factor;
   return S_OK;
 }
 

@@ -15,9 +15,8 @@ class CInstrument;
 ///   Cell              blocks alone, of the smallest size and a few vectors more; vector v is the
 ///                     number v. The sequence stays the user's
 ///   MaxBlockSize      one block of the largest size, vector v is the number v; played without end
-///   MaxBlocks         4000 blocks, each filled with its index, played one after the other.
-///   Together
-///                     they are larger than any memory (deliberate): compiling it shows that error
+///   MaxBlocks         4000 blocks, each filled with its index, played one after the other. Larger
+///                     than any memory together (deliberate): compiling it shows that error
 ///   MaxSubSequences   50 subsequences of 80 blocks each
 ///   MaxEvents         8 events of 256 definitions, a line waiting for each
 ///   MaxSequenceLines  4000 lines that each play a block of their own
