@@ -53,7 +53,8 @@ class QUILLPG_API CEventHandler {
   virtual void OnBlockRenamed(const std::string& /*oldName*/, const std::string& /*newName*/,
                               int /*index*/) {}
   virtual void OnFrontEnd21() {}
-  /// Answer to a state refresh: 1 the instrument is idle, 0 it is active.
+  /// Answer to a state refresh: 1 the instrument is idle, 0 it is active. Raised before the state
+  /// is stored.
   virtual void OnInstrumentIdle(int /*idle*/) {}
   virtual void OnFrontEnd23() {}
   virtual void OnFrontEnd24() {}

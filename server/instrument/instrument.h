@@ -7,6 +7,7 @@
 #include "quillpg/result_codes.h"
 
 #include <array>
+#include <cstdint>
 #include <iosfwd>
 #include <memory>
 #include <span>
@@ -164,8 +165,7 @@ class QUILLPG_API CInstrument {
   /// None, Signal3 and Signal4 may be shared.
   Status CanSetSignalOut(SignalType type) const;
 
-  // --- settings of one pod (0 to 3), held by the module at `module`; E_FAIL without that module
-  // ---
+  // --- settings of one pod (0 to 3) of the module at `module`; E_FAIL without that module ---
 
   Status GetPodType(int module, int pod, PodType& type) const;
   /// Nanoseconds; of the whole module.
@@ -287,7 +287,8 @@ class QUILLPG_API CInstrument {
   Status Advance();
   Status Jump();
   Status Step(int steps);
-  /// Takes the master's progress in and raises OnInstrumentIdle. E_FAIL without modules.
+  /// Takes the master's progress in: raises OnInstrumentIdle first, then ends a run that is over
+  /// and stores the state. E_FAIL without modules.
   Status UpdateInstrumentState();
   Status GetInstrumentState(ModuleState& state) const;
 
@@ -296,8 +297,12 @@ class QUILLPG_API CInstrument {
   /// Bytes in a setup file: settings and groups, with a non-zero `flag` the program too (Write
   /// gives the settings alone; the file manager writes the rest).
   Status GetSize(unsigned long& size, int flag) const;
+  /// Reads the settings record; without program data there is no inhibit event. Raises nothing. The
+  /// first value that is refused ends it with PG_E_INSTRUMENT_RECORD; what was read by then is
+  /// kept.
   Status Read(std::istream& stream, int programDataSaved);
   Status Read(CSetupFileReader& reader, int programDataSaved);
+  /// PG_E_MODULE_MISSING, behind the count of modules, when one of them is not there.
   Status Write(std::ostream& stream) const;
   Status Write(CByteWriter& writer) const;
 
@@ -324,7 +329,7 @@ class QUILLPG_API CInstrument {
   CSorrelModule* HardwareAt(int position) const;
   bool IsFull() const { return m_settings.channelMode == ChannelMode::Full; }
   int ChannelsPerPod() const { return IsFull() ? 16 : 8; }
-  int ChannelsPerModule() const { return IsFull() ? 64 : 32; }
+  int ChannelsPerModule() const { return NUM_PODS * ChannelsPerPod(); }
   int MaxChannels() const { return ChannelsPerModule() * static_cast<int>(m_modules.size()); }
   bool HoldsChannel(int channel) const { return channel >= 0 && channel < MaxChannels(); }
 
@@ -336,6 +341,7 @@ class QUILLPG_API CInstrument {
   void ApplySettings(const SETTINGS& settings);
   void EnableOutputs(bool enable) const;
   void TakeInIdle() const;
+  void StoreState(ModuleState state);
 
   Status RelayProgram(ChannelMode oldMode);
   Status RelayBlock(BLOCK& block, int oldPodChannels, char fill) const;
@@ -356,6 +362,9 @@ class QUILLPG_API CInstrument {
   std::string m_fileName;
   SETTINGS m_settings;
   ModuleState m_state = ModuleState::Idle;
+  /// Counts the stores of m_state; expires with the instrument, for notifications amid an
+  /// operation.
+  std::shared_ptr<std::uint64_t> m_stateChanges = std::make_shared<std::uint64_t>(0);
   std::vector<int> m_inhibitControls;
   std::vector<std::string> m_inhibitControlNames;
   CEventHandler* m_eventHandler = nullptr;

@@ -4,6 +4,9 @@
 #include "quillpg/event_handler.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
 #include <string_view>
 
 // Run control. What the hardware answers to it is not looked at: the sequencer's own status tells
@@ -24,8 +27,9 @@ ModuleState ParseSequencerStatus(std::string_view text) {
 
 Status CInstrument::Run() {
   if (m_enabled == 0) return S_OK;
+  const std::weak_ptr<std::uint64_t> alive = m_stateChanges;
   const Status status = UpdateInstrumentState();
-  if (Failed(status)) return status;
+  if (Failed(status) || alive.expired()) return status;  // the handler may have destroyed it
   if (m_state != ModuleState::Idle) return S_OK;
   const auto hardware = Hardware();
   if (!hardware[0]) return E_FAIL;
@@ -39,7 +43,7 @@ Status CInstrument::Run() {
     if (hardware[i]) (void)hardware[i]->SetWeldMode(static_cast<int>(i));
   }
   (void)hardware[0]->Start();
-  m_state = ModuleState::Running;
+  StoreState(ModuleState::Running);
   return S_OK;
 }
 
@@ -47,7 +51,7 @@ Status CInstrument::Stop() {
   for (CSorrelModule* module : Hardware()) {
     if (module) (void)module->Abort();
   }
-  m_state = ModuleState::Idle;
+  StoreState(ModuleState::Idle);
   if (m_settings.hiZOnStop != 0) EnableOutputs(false);
   return S_OK;
 }
@@ -78,15 +82,26 @@ void CInstrument::TakeInIdle() const {
 
 Status CInstrument::UpdateInstrumentState() {
   if (m_modules.empty()) return E_FAIL;
+  ModuleState state = ModuleState::Idle;
   if (m_state != ModuleState::Idle) {
     std::string text;
     if (CSorrelModule* master = HardwareAt(0)) (void)master->GetSequencerStatus(text);
-    m_state = ParseSequencerStatus(text);
-    if (m_state == ModuleState::Idle) TakeInIdle();
+    state = ParseSequencerStatus(text);
   }
-  // Told last: a handler that asks for the state again, or runs again, finds the new one.
-  if (m_eventHandler) m_eventHandler->OnInstrumentIdle(m_state == ModuleState::Idle ? 1 : 0);
+  const std::weak_ptr<std::uint64_t> alive = m_stateChanges;
+  const std::uint64_t changes = *m_stateChanges;
+  if (m_eventHandler) m_eventHandler->OnInstrumentIdle(state == ModuleState::Idle ? 1 : 0);
+  // What the handler did meanwhile stands: it may have run, stopped or destroyed the instrument.
+  if (alive.expired() || *m_stateChanges != changes) return S_OK;
+  if (m_state == ModuleState::Idle) return S_OK;
+  if (state == ModuleState::Idle) TakeInIdle();
+  StoreState(state);
   return S_OK;
+}
+
+void CInstrument::StoreState(ModuleState state) {
+  m_state = state;
+  ++*m_stateChanges;
 }
 
 Status CInstrument::GetInstrumentState(ModuleState& state) const {

@@ -1,11 +1,14 @@
 #include "hardware/module.h"
 #include "instrument/instrument.h"
+#include "instrument/instrument_manager.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quillpg {
@@ -92,6 +95,10 @@ TEST(InstrumentRun, StateFollowsTheSequencer) {
     fixture.Simulation().SetSequencerText(0, row.text);
     (void)fixture.Handler().Take();
     fixture.Simulation().LogCalls(true);
+    fixture.Handler().onAny = [&] {  // told first, with everything as it was
+      EXPECT_EQ(StateOf(fixture.Instrument()), ModuleState::Running);
+      EXPECT_THAT(fixture.Simulation().TakeCalls(), IsEmpty());
+    };
     EXPECT_EQ(fixture.Instrument().UpdateInstrumentState(), S_OK);
     EXPECT_EQ(StateOf(fixture.Instrument()), row.state);
     EXPECT_THAT(fixture.Handler().Take(), ElementsAre(row.notified));
@@ -99,18 +106,45 @@ TEST(InstrumentRun, StateFollowsTheSequencer) {
   }
 }
 
-TEST(InstrumentRun, HandlerMayPollAgainWhenToldOfTheEnd) {
-  CInstrumentFixture fixture;
-  ASSERT_EQ(fixture.Instrument().Run(), S_OK);
-  fixture.Simulation().SetSequencerText(0, "IDL");
-  (void)fixture.Handler().Take();
-  int polls = 0;
-  fixture.Handler().onAny = [&] {
-    if (++polls > 1) return;
-    EXPECT_EQ(fixture.Instrument().UpdateInstrumentState(), S_OK);
+TEST(InstrumentRun, WhatTheHandlerDoesWhenToldOfTheEndStands) {
+  struct Row {
+    const char* story;
+    std::function<Status(CInstrument&)> act;
+    ModuleState state;
+    const char* lastCall;
   };
-  EXPECT_EQ(fixture.Instrument().UpdateInstrumentState(), S_OK);
-  EXPECT_THAT(fixture.Handler().Take(), ElementsAre("OnInstrumentIdle(1)", "OnInstrumentIdle(1)"));
+  const Row rows[] = {
+      {"polls again", &CInstrument::UpdateInstrumentState, ModuleState::Idle, "0 EnableOutput(0)"},
+      {"stops", &CInstrument::Stop, ModuleState::Idle, "0 EnableOutput(0)"},
+      {"runs again", &CInstrument::Run, ModuleState::Running, "0 Start()"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.story);
+    CInstrumentFixture fixture;
+    ASSERT_EQ(fixture.Instrument().Run(), S_OK);
+    fixture.Simulation().SetSequencerText(0, "IDL");
+    fixture.Simulation().LogCalls(true);
+    bool told = false;
+    fixture.Handler().onAny = [&] {
+      if (std::exchange(told, true)) return;
+      EXPECT_EQ(row.act(fixture.Instrument()), S_OK);
+    };
+    EXPECT_EQ(fixture.Instrument().UpdateInstrumentState(), S_OK);
+    EXPECT_EQ(StateOf(fixture.Instrument()), row.state);
+    EXPECT_EQ(fixture.Simulation().TakeCalls().back(), row.lastCall);
+  }
+}
+
+TEST(InstrumentRun, TheHandlerMayDestroyTheInstrument) {
+  for (const bool running : {false, true}) {
+    CInstrumentFixture fixture;
+    if (running) (void)fixture.Instrument().Run();
+    fixture.Simulation().SetSequencerText(0, "IDL");
+    fixture.Simulation().LogCalls(true);
+    fixture.Handler().onAny = [&] { (void)fixture.Instruments().DeleteAll(); };
+    EXPECT_EQ(fixture.Instrument().Run(), S_OK);
+    EXPECT_THAT(fixture.Simulation().TakeCalls(), IsEmpty());
+  }
 }
 
 TEST(InstrumentRun, HighImpedanceOnStopDecidesTheOutputs) {
