@@ -7,6 +7,7 @@
 #include "quillpg/result_codes.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -96,7 +97,8 @@ class COrderedList {
   /// As Remove, with `visit(position, object)` called for each slot in turn; the object is null for
   /// an empty slot. `visit` must Destroy the object; it tells the front end before or after, which
   /// may change the list meanwhile: an object that is gone by then is not visited. The slots are
-  /// closed at the end, so positions are those before any removal.
+  /// closed at the end, so positions are those before any removal. Empty slots elsewhere in the
+  /// list stay.
   template <typename Visit>
   Status RemoveEach(int first, int count, Visit&& visit) {
     if (!HoldsRange(first, count)) return E_FAIL;
@@ -106,12 +108,14 @@ class COrderedList {
       return S_OK;
     });
     if (Failed(status)) return status;
+    const bool gapsElsewhere = EmptySlots(0, Count()) != EmptySlots(first, count);
     int position = first;
     for (T* object : doomed) {
       if (!object || PositionOf(object, position) >= 0) visit(position, object);
       ++position;
     }
-    CloseEmpty(first, count);
+    // Without gaps to keep all are closed, wherever `visit` has moved them.
+    CloseEmpty(gapsElsewhere ? first : 0, gapsElsewhere ? count : Count());
     return S_OK;
   }
 
@@ -244,6 +248,12 @@ class COrderedList {
       m_slots.reserve(std::max(static_cast<std::size_t>(slots), 2 * m_slots.capacity()));
     }
     return S_OK;
+  }
+
+  // Number of empty slots among `count` from `first` on, which lie in the list.
+  std::ptrdiff_t EmptySlots(int first, int count) const {
+    const auto from = m_slots.begin() + first;
+    return std::count(from, from + count, nullptr);
   }
 
   // Closes the empty slots among `count` from `first` on, as far as the list still reaches.
