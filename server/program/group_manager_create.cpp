@@ -49,13 +49,6 @@ std::string DefaultChannelNames(const SHAPE& shape, char pod) {
   return FormatText("%s%c1(7-0),%s%c0(7-0)", {module, pod, module, pod});
 }
 
-std::string NameOfChannel(const CInstrument& instrument, int channel) {
-  std::string name;
-  (void)instrument.GetChannelName(channel, name);
-  if (name.empty()) (void)instrument.GetChannelDefaultName(channel, name);
-  return name;
-}
-
 }  // namespace
 
 Status CGroupManager::Default() {
@@ -138,13 +131,10 @@ void CGroupManager::AnnounceAllDeleted() const {
 }
 
 void CGroupManager::FillGroup(GROUP& group, int first, int count) const {
-  std::string text;
   for (int channel = first + count - 1; channel >= first; --channel) {
     (void)group.AddChannel(channel, -1);
-    if (!text.empty()) text += ',';
-    text += NameOfChannel(*Instrument(), channel);
   }
-  (void)group.SetChannelNames(text);
+  Instrument()->RebuildChannelNames(group);
 }
 
 }  // namespace quillpg
