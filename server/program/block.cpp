@@ -74,7 +74,7 @@ BLOCK::BLOCK() : m_waveformManager(std::make_unique<CWaveformManager>()) {}
 BLOCK::~BLOCK() = default;
 
 Status BLOCK::Initialize(const std::string& name, int size, int width, char fill) {
-  const Status stored = StoreText(m_name, std::string(Trim(name)));
+  const Status stored = GuardAllocation([&] { return StoreText(m_name, std::string(Trim(name))); });
   if (Failed(stored)) return stored;
   m_revision.Touch();
   m_size = size;

@@ -41,8 +41,10 @@ Status GROUP::AddChannel(int channel, int position) {
   if (position >= MAX_LIST_POSITIONS) return S_OK;
   return GuardAllocation([&] {
     const int place = position < 0 ? GetNoOfChannels() : position;
-    if (place > GetNoOfChannels()) m_channels.resize(static_cast<std::size_t>(place));
-    m_channels.insert(m_channels.begin() + place, channel);
+    const int gap = std::max(place - GetNoOfChannels(), 0);
+    const auto at = m_channels.begin() + (place - gap);
+    m_channels.insert(at, static_cast<std::size_t>(gap) + 1, 0);
+    m_channels[static_cast<std::size_t>(place)] = channel;
     m_plan.reset();
     m_revision.Touch();
     return S_OK;

@@ -42,7 +42,7 @@ struct QUILLPG_API GROUP {
   Status SetChannelNames(const std::string& text);
 
   /// Inserts before `position`; below 0 appends; beyond the end the gap is filled with channel 0. A
-  /// position above 65535 stores nothing. S_OK always.
+  /// position above 65535 stores nothing. S_OK; E_FAIL only when memory runs out.
   Status AddChannel(int channel, int position);
   /// Index of the first occurrence; -1 and E_FAIL without one.
   Status FindChannel(int channel, int& index) const;

@@ -209,7 +209,8 @@ Status CGroupManager::SetGroupName(int index, const std::string& newName) {
     GROUP* group = m_groups.At(index);
     if (!group) return E_FAIL;
     const std::string oldName = group->GetGroupName();
-    (void)group->SetGroupName(name);
+    const Status status = group->SetGroupName(name);
+    if (Failed(status)) return status;
     Tell([&](CEventHandler& handler) { handler.OnGroupRenamed(oldName, name); });
     RenameGroupStates(oldName, name);
     return S_OK;

@@ -74,7 +74,8 @@ Status CSequenceManager::SetSequenceLine(int index, const SEQUENCE_LINE* line) {
   SEQUENCE_LINE* target = m_lines.At(index);
   if (!line || !target) return E_FAIL;
   return GuardAllocation([&] {
-    *target = *line;
+    SEQUENCE_LINE copy = *line;
+    *target = std::move(copy);  // cannot fail half-way
     return S_OK;
   });
 }
@@ -121,8 +122,8 @@ Status CSequenceManager::Write(CByteWriter& writer) const {
 Status CSequenceManager::Insert(int position, const std::string& label) {
   return GuardAllocation([&] {
     auto line = std::make_unique<SEQUENCE_LINE>();
-    (void)line->SetLabel(label);
-    return m_lines.Insert(position, std::move(line));
+    const Status labelled = line->SetLabel(label);
+    return Failed(labelled) ? labelled : m_lines.Insert(position, std::move(line));
   });
 }
 

@@ -52,7 +52,8 @@ Status SUBSEQUENCE::SetSubSequenceLine(int index, const SUBSEQUENCE_LINE* line) 
   SUBSEQUENCE_LINE* target = m_lines.At(index);
   if (!line || !target) return E_FAIL;
   return GuardAllocation([&] {
-    *target = *line;
+    SUBSEQUENCE_LINE copy = *line;
+    *target = std::move(copy);  // cannot fail half-way
     return Changed(S_OK);
   });
 }

@@ -23,8 +23,8 @@ Status CSubSequenceManager::AddSubSequence(const std::string& name) {
 Status CSubSequenceManager::InsertSubSequence(int position, const std::string& name) {
   return GuardAllocation([&] {
     auto subsequence = std::make_unique<SUBSEQUENCE>();
-    (void)subsequence->SetSubSequenceName(std::string(Trim(name)));
-    return InsertSubSequence(position, std::move(subsequence));
+    const Status named = subsequence->SetSubSequenceName(std::string(Trim(name)));
+    return Failed(named) ? named : InsertSubSequence(position, std::move(subsequence));
   });
 }
 
