@@ -2,8 +2,8 @@
 
 namespace quillpg {
 
-/// "Changed since the last download", kept as the integer that the front end hands in (any non-zero
-/// value counts as set). Has a name of its own so that a search for Clear shows every place that
+/// "Changed since the last download", stored from the integer that the front end hands in (any
+/// non-zero value counts as set). Has a name of its own so that a search for Clear shows every place that
 /// forgets a change.
 class CModifiedFlag {
  public:

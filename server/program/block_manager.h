@@ -31,7 +31,7 @@ class QUILLPG_API CBlockManager : public CProgramManager {
   Status Default();
 
   /// Appends a block filled with the root's default channel value, without a notification. E_FAIL
-  /// for a full list or a size outside the instrument's limits.
+  /// for a full list or a size outside the instrument's limits, else the allocation's status.
   Status AddBlock(const std::string& name, int size);
   /// The same before `position`; raises OnBlockListChanged.
   Status InsertBlock(const std::string& name, int size, int position);
@@ -53,7 +53,7 @@ class QUILLPG_API CBlockManager : public CProgramManager {
   /// Null and E_FAIL for an unknown name.
   Status GetBlock(const std::string& name, BLOCK** block) const;
   /// Copies `block` over the one at `index`. E_FAIL for null; a bad index is S_OK and changes
-  /// nothing.
+  /// nothing; else the allocation's status.
   Status SetBlock(int index, const BLOCK* block);
 
   /// Stores the name trimmed and raises OnBlockRenamed with the name as given. Sequence and

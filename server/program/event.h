@@ -40,8 +40,10 @@ struct QUILLPG_API EVENT {
   Status InsertEventDefinition(int position, std::unique_ptr<EVENT_DEFINITION>&& definition);
   /// Copies flag and pattern; E_FAIL for null or a bad index.
   Status SetEventDefinition(int index, const EVENT_DEFINITION* definition);
+  /// E_FAIL for a range that does not lie in the list.
   Status DeleteEventDefinition(int first, int count);
   Status DeleteAll();
+  /// Exchange with the neighbour; E_FAIL where there is none.
   Status MoveUp(int index);
   Status MoveDown(int index);
 

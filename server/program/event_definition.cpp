@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <string>
+
 namespace quillpg {
 
 namespace {

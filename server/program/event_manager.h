@@ -67,7 +67,6 @@ class QUILLPG_API CEventManager : public CProgramManager {
   Status Write(CByteWriter& writer) const;
 
  private:
-  Status Insert(int position, const std::string& name);
   Status Rename(int index, const std::string& name, bool& renamed);
   Status ListChanged(Status status);
 

@@ -60,9 +60,10 @@ class QUILLPG_API CGroupManager : public CProgramManager {
   /// E_FAIL when another group has the name or there is none at `index`.
   Status SetGroup(int index, GROUP* group);
   /// Renames, also the group's state in every block; raises OnGroupRenamed. PG_E_NAME_USED when any
-  /// group, this one included, has the name: a mere change of case is refused (deliberate).
+  /// group, this one included, has the name: a mere change of case is refused (deliberate). E_FAIL
+  /// for an empty name and, looked at last, without a group at `index`.
   Status SetGroupName(int index, const std::string& newName);
-  /// Raises OnGroupDeleted while the group still exists.
+  /// Raises OnGroupDeleted while the group still exists. E_FAIL without one.
   Status DeleteGroup(int index);
   /// Deletes one by one, so that every group is announced.
   Status DeleteAllGroups();

@@ -2,6 +2,7 @@
 
 #include "app/setup_stream.h"
 #include "base/setup_file_list.h"
+
 namespace quillpg {
 
 Status LISTING_STATE::Initialize() {

@@ -14,6 +14,10 @@ class CInstrument;
 /// What every manager of program objects refers to: the root, the instrument that owns the manager,
 /// and the front end's event handler. None of them is owned. A manager works before Initialize too;
 /// it then tells nobody and fails where it needs the instrument.
+///
+/// Of all lists: E_FAIL, with nothing changed, for a range that does not lie in the list, a move
+/// past its ends and a position to insert at that is negative or beyond the list's limit. Deleting
+/// 0 objects is S_OK.
 class QUILLPG_API CProgramManager {
  public:
   CProgramManager(const CProgramManager&) = delete;

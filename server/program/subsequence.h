@@ -36,8 +36,10 @@ struct QUILLPG_API SUBSEQUENCE {
   Status InsertSubSequenceLine(int position, std::unique_ptr<SUBSEQUENCE_LINE>&& line);
   /// Copies the three fields; E_FAIL for null or a bad index.
   Status SetSubSequenceLine(int index, const SUBSEQUENCE_LINE* line);
+  /// E_FAIL for a range that does not lie in the list.
   Status DeleteSubSequenceLine(int first, int count);
   Status DeleteAll();
+  /// Exchange with the neighbour; E_FAIL where there is none.
   Status MoveUp(int index);
   Status MoveDown(int index);
 
