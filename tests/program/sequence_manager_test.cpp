@@ -64,17 +64,17 @@ TEST(SequenceManager, RaisesItsOwnFlagOnlyWhereMeant) {
 }
 
 TEST(SequenceManager, SeesEverySetterOfEveryLine) {
-  using SETTER = Status (*)(SEQUENCE_LINE&);
-  const SETTER setters[] = {[](SEQUENCE_LINE& line) { return line.SetRepeatCount(-5); },
-                            [](SEQUENCE_LINE& line) { return line.SetSignalValue({}); },
-                            [](SEQUENCE_LINE& line) { return line.SetLabel(" x "); },
-                            [](SEQUENCE_LINE& line) { return line.SetWaitFor(""); },
-                            [](SEQUENCE_LINE& line) { return line.SetOutput("x"); },
-                            [](SEQUENCE_LINE& line) { return line.SetJumpIf("x"); },
-                            [](SEQUENCE_LINE& line) { return line.SetJumpTo("x"); }};
+  using LINE = SEQUENCE_LINE;
+  Status (*const setters[])(LINE&) = {[](LINE& line) { return line.SetRepeatCount(-5); },
+                                      [](LINE& line) { return line.SetSignalValue({}); },
+                                      [](LINE& line) { return line.SetLabel(" x "); },
+                                      [](LINE& line) { return line.SetWaitFor(""); },
+                                      [](LINE& line) { return line.SetOutput("x"); },
+                                      [](LINE& line) { return line.SetJumpIf("x"); },
+                                      [](LINE& line) { return line.SetJumpTo("x"); }};
   CSequenceManager sequence;
   (void)sequence.AddSequenceLine("a");
-  for (const SETTER& set : setters) {
+  for (const auto& set : setters) {
     SCOPED_TRACE(&set - setters);
     (void)sequence.SetModified(0);
     EXPECT_EQ(sequence.IsModified(), 0);
@@ -82,23 +82,6 @@ TEST(SequenceManager, SeesEverySetterOfEveryLine) {
     EXPECT_EQ(sequence.IsModified(), 1);
   }
   EXPECT_EQ(Line(sequence, 0)->GetLabel(), " x ");  // stored as given
-}
-
-TEST(SequenceManager, LooksLabelsUpUntrimmed) {
-  CSequenceManager sequence;
-  for (const char* label : {"a", "b", "B"}) (void)sequence.AddSequenceLine(label);
-  ASSERT_EQ(sequence.InsertSequenceLine(5, ""), S_OK);  // beyond the end, past empty slots
-  int value = 0;
-  EXPECT_EQ(sequence.FindSequenceLine("B", value), S_OK);
-  EXPECT_EQ(value, 1);
-  EXPECT_EQ(sequence.CountSequenceLines("b", value), S_OK);
-  EXPECT_EQ(value, 2);
-  EXPECT_EQ(sequence.FindSequenceLine("b ", value), E_FAIL);
-  EXPECT_EQ(sequence.FindSequenceLine("", value), E_FAIL);
-  EXPECT_EQ(sequence.CountSequenceLines("", value), E_FAIL);
-  std::uint64_t size = 0;
-  (void)sequence.GetSize(size);
-  EXPECT_EQ(size, 4u + 4 * 33u + 3u);
 }
 
 TEST(SequenceLine, IsEmptyWithoutTexts) {

@@ -34,18 +34,6 @@ class SubSequenceManager : public testing::Test {
   CSubSequenceManager m_manager;
 };
 
-TEST_F(SubSequenceManager, TrimsTheNamesItIsAsked) {
-  EXPECT_EQ(At(0).GetSubSequenceName(), "Read");
-  (void)m_manager.InsertSubSequence(0, "READ");
-  int value = 0;
-  EXPECT_EQ(m_manager.CountSubSequences("\tread ", value), S_OK);
-  EXPECT_EQ(value, 2);
-  EXPECT_EQ(m_manager.FindSubSequence(" read", value), S_OK);
-  EXPECT_EQ(value, 0);
-  EXPECT_EQ(m_manager.CountSubSequences("  ", value), E_FAIL);
-  EXPECT_EQ(m_manager.FindSubSequence("  ", value), E_FAIL);
-}
-
 TEST_F(SubSequenceManager, SeesChangesOnEveryLevel) {
   struct Row {
     const char* what;
@@ -76,6 +64,8 @@ TEST_F(SubSequenceManager, SeesChangesOnEveryLevel) {
 }
 
 TEST_F(SubSequenceManager, AnswersBadPositionsInTwoWays) {
+  EXPECT_EQ(At(0).GetSubSequenceName(), "Read");  // trimmed
+  EXPECT_EQ(At(0).GetSize(), 4u + 9u + 2 * 10u);
   SUBSEQUENCE* subsequence = &At(0);
   EXPECT_EQ(m_manager.GetSubSequence(2, &subsequence), S_OK);
   EXPECT_EQ(subsequence, nullptr);
@@ -96,16 +86,6 @@ TEST_F(SubSequenceManager, DuplicatesLinesOnAssignment) {
   EXPECT_EQ(Line(1, 0).GetOutput(), "a");
   EXPECT_FALSE(Line(1, 0).IsModified());  // copied with its flag
   EXPECT_TRUE(At(1).IsModified());
-}
-
-TEST_F(SubSequenceManager, HoldsItsLimits) {
-  for (int i = 2; i < MAX_SUBSEQUENCES; ++i) ASSERT_EQ(m_manager.AddSubSequence(""), S_OK);
-  EXPECT_EQ(m_manager.AddSubSequence(""), E_FAIL);
-  for (int i = 0; i < MAX_SUBSEQUENCE_LINES; ++i) {
-    ASSERT_EQ(At(1).AddSubSequenceLine(std::make_unique<SUBSEQUENCE_LINE>()), S_OK);
-  }
-  EXPECT_EQ(At(1).AddSubSequenceLine(std::make_unique<SUBSEQUENCE_LINE>()), E_FAIL);
-  EXPECT_EQ(At(1).GetSize(), 5u + 9u + 256u * 9u);
 }
 
 }  // namespace
