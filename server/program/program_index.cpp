@@ -63,7 +63,7 @@ LINE_REFERENCES CProgramIndex::SequenceLine(int line) {
 const INDEXED_NAME* CProgramIndex::SubSequenceLine(int subSequence, int line) {
   Refresh();
   const auto index = static_cast<std::size_t>(subSequence);
-  if (index + 1 >= m_firstSubLine.size() || line < 0) return nullptr;
+  if (subSequence < 0 || line < 0 || index + 1 >= m_firstSubLine.size()) return nullptr;
   const std::size_t at = m_firstSubLine[index] + static_cast<std::size_t>(line);
   return at < m_firstSubLine[index + 1] ? m_subLines[at] : nullptr;
 }

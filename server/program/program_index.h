@@ -42,7 +42,7 @@ class QUILLPG_API CProgramIndex {
 
   /// References of the sequence line at `line`; all null for a bad position and an empty slot.
   LINE_REFERENCES SequenceLine(int line);
-  /// The block that line `line` of subsequence `subSequence` plays.
+  /// The block that line `line` of subsequence `subSequence` plays; null as above.
   const INDEXED_NAME* SubSequenceLine(int subSequence, int line);
 
  private:
