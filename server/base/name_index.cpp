@@ -65,7 +65,9 @@ bool SameName(std::string_view a, std::string_view b) {
 
 void CNameIndex::Clear(int names) {
   m_names.clear();
-  const auto room = static_cast<std::size_t>(std::max(names, 0));
+  m_slots.clear();
+  if (names <= 0) return;
+  const auto room = static_cast<std::size_t>(names);
   m_names.reserve(room);
   m_slots.assign(std::bit_ceil(std::max(kLeastSlots, 2 * room)), -1);
 }

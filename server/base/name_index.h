@@ -23,7 +23,7 @@ struct INDEXED_NAME {
 /// The index refers to the texts given to it: they must outlive the next Clear.
 class QUILLPG_API CNameIndex {
  public:
-  /// Forgets everything and makes room for `names` names.
+  /// Forgets everything and makes room for `names` names; cannot fail where that is none.
   void Clear(int names = 0);
 
   /// Positions must be added in rising order. An empty name is not taken in: nothing is found by
