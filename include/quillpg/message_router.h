@@ -9,6 +9,9 @@ namespace quillpg {
 /// The front end's message sink: derive from it, override what the front end shows, install it with
 /// CAppServer::SetMessageRouter. The engine refers to it and never deletes it. The order of the
 /// operations is fixed; new ones are appended.
+///
+/// They are called in the middle of the engine's work: show what they bring, abort the work or ask
+/// for what it found, and change the model in YieldToMessageLoop or later.
 class QUILLPG_API CMessageRouter {
  public:
   virtual ~CMessageRouter() = default;

@@ -139,6 +139,7 @@ void CCompiler::BeginCheck(Section section, int firstLine, std::string_view what
 Status CCompiler::AfterObject(int index, int count) {
   if (!m_work.Yield()) return ReportMissingObject();
   m_place.instrumentIndex = m_work.Position();
+  (void)m_server->GetMessageRouter(&m_router);  // anew: it may have been replaced
   if (count > 0) SetProgressStatus(static_cast<int>(std::int64_t{index} * 100 / count));
   return S_OK;
 }
