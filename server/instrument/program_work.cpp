@@ -3,6 +3,8 @@
 #include "instrument/instrument_manager.h"
 #include "quillpg/host_services.h"
 
+#include <algorithm>
+
 namespace quillpg {
 
 void CProgramWork::Open(const CInstrumentManager& instruments, CInstrument& instrument,
@@ -11,6 +13,7 @@ void CProgramWork::Open(const CInstrumentManager& instruments, CInstrument& inst
   m_instrument = &instrument;
   m_position = position;
   m_listRevision = instruments.Revision();
+  (void)instruments.GetNoOfInstruments(m_listCount);  // a stored value, cannot fail
   m_program = CProgramView(instrument);
   m_index.Attach(m_program);
 }
@@ -31,8 +34,10 @@ bool CProgramWork::Yield() {
 bool CProgramWork::Follow() {
   int position = -1;
   if (m_instruments->GetInstrumentPos(m_instrument, position) != S_OK) {
+    int count = 0;
+    (void)m_instruments->GetNoOfInstruments(count);
+    m_position = std::max(m_position - std::max(m_listCount - count, 1), -1);
     Close();
-    --m_position;
     return false;
   }
   Open(*m_instruments, *m_instrument, position);

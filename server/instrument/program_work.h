@@ -29,7 +29,8 @@ class QUILLPG_API CProgramWork {
 
   /// Null while nothing is open.
   CInstrument* Instrument() const { return m_instrument; }
-  /// Where the instrument stands now; when it is gone, the entry before the one that followed it.
+  /// Where the instrument stands now; when it is gone, an entry before those that followed it, the
+  /// last one unless several went at once.
   int Position() const { return m_position; }
 
   const CProgramView& Program() const { return m_program; }
@@ -41,7 +42,9 @@ class QUILLPG_API CProgramWork {
   const CInstrumentManager* m_instruments = nullptr;
   CInstrument* m_instrument = nullptr;
   int m_position = -1;
-  std::uint64_t m_listRevision = 0;  // of the instrument list when the instrument was last seen
+  // Of the instrument list when the instrument was last seen.
+  std::uint64_t m_listRevision = 0;
+  int m_listCount = 0;
   CProgramView m_program;
   CProgramIndex m_index;
 };
