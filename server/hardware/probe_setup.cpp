@@ -2,6 +2,7 @@
 
 #include "app/setup_stream.h"
 #include "base/setup_file_format.h"
+
 namespace quillpg {
 
 namespace {
