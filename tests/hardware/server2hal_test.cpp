@@ -3,13 +3,14 @@
 #include "hardware/simulation/call_sink.h"
 #include "instrument/instrument_manager.h"
 #include "plain/packer.h"
+#include "program/program_view.h"
 #include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
 #include "support/program_builder.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <algorithm>
 
 namespace quillpg {
 namespace {
@@ -23,17 +24,11 @@ class CDownloadFixture : public CInstrumentFixture {
     Simulation().LogCalls(true);
   }
 
-  Status Download() {
+  // Downloads; the calls that this makes.
+  Lines Sent(Status expected = S_OK) {
     (void)Simulation().TakeCalls();
-    return Server().Download();
-  }
-  // The calls since the last download began.
-  Lines Calls() { return Simulation().TakeCalls(); }
-  void AtYield(int number, std::function<void()> action) {
-    Host().yields = 0;
-    Host().onYield = [this, number, action = std::move(action)] {
-      if (Host().yields == number) action();
-    };
+    EXPECT_EQ(Server().Download(), expected);
+    return Simulation().TakeCalls();
   }
   CServer2HAL& Bridge() {
     CServer2HAL* bridge = nullptr;
@@ -43,6 +38,8 @@ class CDownloadFixture : public CInstrumentFixture {
 
   CProgramBuilder build;
 };
+
+CProgramView Program(CInstrumentFixture& engine) { return CProgramView(engine.Instrument()); }
 
 TEST(Download, SendsEventsSubsequencesSequenceAndBlocksInThisOrder) {
   CDownloadFixture engine(2);
@@ -57,8 +54,7 @@ TEST(Download, SendsEventsSubsequencesSequenceAndBlocksInThisOrder) {
                      .jumpTo = "end",
                      .signal = SignalValue::Low});
   engine.build.Line({.output = "A", .label = "end"});
-  EXPECT_EQ(engine.Download(), S_OK);
-  EXPECT_EQ(engine.Calls(),
+  EXPECT_EQ(engine.Sent(),
             (Lines{"0 DefineEvent(1,01X101010|111111111)", "0 DefineEvent(2,)",
                    "0 DefineSubSequence(1,2,1,2,0,3)", "0 DefineSubSequence(2,0,)",
                    "1 DefineSubSequence(1,2,1,2,0,3)", "1 DefineSubSequence(2,0,)",
@@ -75,8 +71,7 @@ TEST(Download, SendsEventsSubsequencesSequenceAndBlocksInThisOrder) {
                    "PG 1:Loading Complete"}));
   EXPECT_EQ(engine.Host().cursorDepth, 0);
 
-  EXPECT_EQ(engine.Download(), S_OK);
-  EXPECT_EQ(engine.Calls(), Lines{});  // nothing changed since
+  EXPECT_EQ(engine.Sent(), Lines{});  // nothing changed since
 }
 
 TEST(Download, WritesOneRecordForEachLine) {
@@ -107,7 +102,7 @@ TEST(Download, WritesOneRecordForEachLine) {
     program.Line({.output = "b", .label = "L"}).Line(row.line);
     (void)engine.Simulation().TakeCalls();
     EXPECT_EQ(engine.Bridge().SendSequenceData(&engine.Instrument()), row.record ? S_OK : E_FAIL);
-    EXPECT_EQ(engine.Calls(),
+    EXPECT_EQ(engine.Simulation().TakeCalls(),
               row.record ? Lines{"0 DefineSequence(2,0,1,0,0,0,1," + std::string(row.record) + ")"}
                          : Lines{});
     EXPECT_EQ(engine.Sequence().IsModified(), row.record ? 0 : 1);
@@ -125,11 +120,7 @@ TEST(Download, SendsWhatChangedAndWhatRefersToIt) {
        {"DefineSubSequence", "DefineSequence", "DeleteAllBlocks", "CreateDataBlock",
         "DataVectorsSM"}},
       {"a subsequence",
-       [](CInstrumentFixture& f) {
-         SUBSEQUENCE* subSequence = nullptr;
-         (void)f.SubSequences().GetSubSequence(0, &subSequence);
-         (void)subSequence->SetModified(1);
-       },
+       [](CInstrumentFixture& f) { (void)Program(f).SubSequenceAt(0)->SetModified(1); },
        {"DefineSubSequence", "DefineSequence"}},
       {"the events",
        [](CInstrumentFixture& f) { (void)f.Events().SetModified(1); },
@@ -138,11 +129,7 @@ TEST(Download, SendsWhatChangedAndWhatRefersToIt) {
        [](CInstrumentFixture& f) { (void)f.Sequence().SetModified(1); },
        {"DefineSequence"}},
       {"a block alone: neither deleted nor created",
-       [](CInstrumentFixture& f) {
-         BLOCK* block = nullptr;
-         (void)f.Blocks().GetBlock(0, &block);
-         (void)block->SetChanged(1);
-       },
+       [](CInstrumentFixture& f) { (void)Program(f).BlockAt(0)->SetChanged(1); },
        {"DataVectorsSM"}},
       {"no sequence: the old one stays",
        [](CInstrumentFixture& f) {
@@ -153,12 +140,11 @@ TEST(Download, SendsWhatChangedAndWhatRefersToIt) {
   };
   CDownloadFixture engine;
   engine.build.Block("b").Sub("s", {{"b", 1}}).Event("e", {"1"}).Line({.output = "s"});
-  ASSERT_EQ(engine.Download(), S_OK);
+  (void)engine.Sent();
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
     row.change(engine);
-    EXPECT_EQ(engine.Download(), S_OK);
-    Lines operations = engine.Calls();
+    Lines operations = engine.Sent();
     for (std::string& call : operations) call = call.substr(2, call.find('(') - 2);
     EXPECT_EQ(operations, row.operations);
   }
@@ -173,30 +159,19 @@ class CWordSink : public CCallSink {
   std::vector<std::uint16_t> words;
 };
 
-TEST(Download, SplitsABlockIntoTransfersOfThePackedWords) {
+TEST(Download, SendsThePackedWordsOfEveryModule) {
   const struct {
     ChannelMode mode;
     int size;
-    Lines transfers;  // block, first unit, units
-  } rows[] = {
-      {ChannelMode::Full, 40, {"0,0,10"}},
-      {ChannelMode::Full, 1001, {"0,0,245", "0,245,6"}},
-      {ChannelMode::Full, 8193, {"0,0,2043", "0,2043,6"}},
-      {ChannelMode::Full, 8200, {"0,0,2048", "0,2048,2"}},
-      {ChannelMode::Half, 100, {"0,0,9", "0,9,4"}},
-      {ChannelMode::Half, 20, {"0,0,4"}},  // too few units: short ones alone, past the end
-      {ChannelMode::Half, 0, {}},
-  };
+  } rows[] = {{ChannelMode::Full, 1001}, {ChannelMode::Half, 20}, {ChannelMode::Half, 0}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.size);
     CDownloadFixture engine(2);
     (void)engine.Instrument().SetChannelMode(row.mode);
     CProgramBuilder(engine.Instrument()).Block("b", row.size);
-    BLOCK* block = nullptr;
-    (void)engine.Blocks().GetBlock(0, &block);
+    BLOCK* block = Program(engine).BlockAt(0);
     const auto bytes = static_cast<std::size_t>(row.size) * block->RowBytes();
     for (std::size_t i = 0; i < bytes; ++i) block->Data()[i] = static_cast<std::uint8_t>(i * 37);
-    const PATTERN_ROWS pattern{block->Data(), block->RowBytes(), row.size};
 
     CWordSink sink;
     engine.Simulation().AddCallSink(&sink);
@@ -204,26 +179,23 @@ TEST(Download, SplitsABlockIntoTransfersOfThePackedWords) {
     EXPECT_EQ(engine.Bridge().SendBlockData(&engine.Instrument()), S_OK);
     engine.Simulation().RemoveCallSink(&sink);
 
-    Lines expected = {"0 DeleteAllBlocks()", FormatText("0 CreateDataBlock(0,%d)", {row.size}),
-                      "1 DeleteAllBlocks()", FormatText("1 CreateDataBlock(0,%d)", {row.size})};
-    for (const std::string& transfer : row.transfers) {
-      for (const char* module : {"0", "1"})
-        expected.push_back(FormatText("%s DataVectorsSM(%s,0)", {module, transfer}));
-    }
-    EXPECT_EQ(engine.Calls(), expected);
-
+    Lines calls = {"0 DeleteAllBlocks()", FormatText("0 CreateDataBlock(0,%d)", {row.size}),
+                   "1 DeleteAllBlocks()", FormatText("1 CreateDataBlock(0,%d)", {row.size})};
     std::vector<std::uint16_t> words;
     const bool abort = false;
     for (const PACK_RUN& run : SplitIntoRuns(row.mode, row.size)) {
       for (int module = 0; module < 2; ++module) {
+        calls.push_back(
+            FormatText("%d DataVectorsSM(0,%d,%d,0)", {module, run.firstUnit, run.unitCount}));
         const std::size_t start = words.size();
         words.resize(start + static_cast<std::size_t>(run.unitCount) * WORDS_PER_UNIT);
-        (void)PackPlain(pattern, row.mode, run.kind, module * GetChannelsPerModule(row.mode),
-                        run.firstVector,
+        (void)PackPlain({block->Data(), block->RowBytes(), row.size}, row.mode, run.kind,
+                        module * GetChannelsPerModule(row.mode), run.firstVector,
                         run.unitCount / GetBitArrange(row.mode, run.kind).unitsPerGroup, abort,
                         words.data() + start);
       }
     }
+    EXPECT_EQ(engine.Simulation().TakeCalls(), calls);
     EXPECT_EQ(sink.words, words);
   }
 }
@@ -232,22 +204,17 @@ TEST(Download, LeavesTheRestOfABlockThatTheLibraryRefuses) {
   CDownloadFixture engine(2);
   engine.build.Block("a", 1001).Block("b").Line({.output = "a"});
   engine.Simulation().FailCall("DataVectorsSM");
-  EXPECT_EQ(engine.Download(), S_OK);
-  Lines transfers;
-  for (const std::string& call : engine.Calls()) {
-    if (call.find("DataVectorsSM") != call.npos) transfers.push_back(call);
-  }
-  EXPECT_EQ(transfers, (Lines{"0 DataVectorsSM(0,0,245,0)", "0 DataVectorsSM(1,0,10,0)",
-                              "1 DataVectorsSM(1,0,10,0)"}));
-  EXPECT_EQ(engine.Download(), S_OK);
-  EXPECT_EQ(engine.Calls(), Lines{});  // the refused block counts as sent
+  Lines calls = engine.Sent();
+  calls.erase(calls.begin(), std::ranges::find(calls, "0 DataVectorsSM(0,0,245,0)"));
+  EXPECT_EQ(calls, (Lines{"0 DataVectorsSM(0,0,245,0)", "0 DataVectorsSM(1,0,10,0)",
+                          "1 DataVectorsSM(1,0,10,0)"}));
+  EXPECT_EQ(engine.Sent(), Lines{});  // the refused block counts as sent
 }
 
 TEST(Download, AFailedStepKeepsItsFlagAndTheNextOneRuns) {
   CDownloadFixture engine;
   engine.build.Block("b").Sub("s", {{"gone", 1}}).Line({.output = "gone"});
-  EXPECT_EQ(engine.Download(), S_OK);
-  EXPECT_EQ(engine.Calls(),
+  EXPECT_EQ(engine.Sent(),
             (Lines{"0 DeleteAllBlocks()", "0 CreateDataBlock(0,40)", "0 DataVectorsSM(0,0,10,0)"}));
   EXPECT_EQ(engine.SubSequences().IsModified(), 1);
   EXPECT_EQ(engine.Sequence().IsModified(), 1);
@@ -260,11 +227,11 @@ TEST(Download, AbortLeavesTheRestToTheNextDownload) {
   engine.build.Block("a", 1000).Block("b").Event("e", {"1"});
   engine.build.Sub("s", {{"a", 1}, {"b", 1}}).Line({.output = "a"}).Line({.output = "s"});
   const auto abortAt = [&engine](int yield) {
-    engine.AtYield(yield, [&engine] { (void)engine.Server().AbortDownload(); });
+    engine.Host().AtYield(yield, [&engine] { (void)engine.Server().AbortDownload(); });
     (void)engine.Server().AbortDownload();  // without effect before a download
-    EXPECT_EQ(engine.Download(), PG_E_ABORTED);
+    const Lines calls = engine.Sent(PG_E_ABORTED);
     EXPECT_EQ(engine.Host().cursorDepth, 0);
-    return engine.Calls();
+    return calls;
   };
   // Yields: 1 event, 2-3 subsequence lines, 4-5 sequence lines, 6-7 blocks, then groups.
   EXPECT_EQ(abortAt(2), Lines{"0 DefineEvent(1,111111111)"});
@@ -280,8 +247,7 @@ TEST(Download, AbortLeavesTheRestToTheNextDownload) {
   EXPECT_EQ(abortAt(7).back(), "0 CreateDataBlock(1,40)");  // in the first block's first group
   EXPECT_EQ(engine.Blocks().IsModified(), 1);
   engine.Host().onYield = nullptr;
-  EXPECT_EQ(engine.Download(), S_OK);
-  EXPECT_EQ(engine.Calls().back(), "0 DataVectorsSM(1,0,10,0)");
+  EXPECT_EQ(engine.Sent().back(), "0 DataVectorsSM(1,0,10,0)");
   EXPECT_EQ(engine.Blocks().IsModified(), 0);
 }
 
@@ -295,28 +261,19 @@ TEST(Download, WhatIsEditedMeanwhileIsSentNextTime) {
   } rows[] = {
       {1,
        [](CInstrumentFixture& f) {
-         EVENT* event = nullptr;
          EVENT_DEFINITION* row = nullptr;
-         (void)f.Events().GetEvent(0, &event);
-         (void)event->GetEventDefinition(0, &row);
+         (void)Program(f).EventAt(0)->GetEventDefinition(0, &row);
          (void)row->SetEventDefBit(0, 'X');
        },
        "0 DefineEvent(1,X11111111)"},
       {2,
        [](CInstrumentFixture& f) {
-         SUBSEQUENCE* subSequence = nullptr;
          SUBSEQUENCE_LINE* line = nullptr;
-         (void)f.SubSequences().GetSubSequence(0, &subSequence);
-         (void)subSequence->GetSubSequenceLine(0, &line);
+         (void)Program(f).SubSequenceAt(0)->GetSubSequenceLine(0, &line);
          (void)line->SetRepeatCount(9);
        },
        "0 DefineSubSequence(1,1,0,9)"},
-      {3,
-       [](CInstrumentFixture& f) {
-         SEQUENCE_LINE* line = nullptr;
-         (void)f.Sequence().GetSequenceLine(0, &line);
-         (void)line->SetRepeatCount(8);
-       },
+      {3, [](CInstrumentFixture& f) { (void)Program(f).LineAt(0)->SetRepeatCount(8); },
        "0 DefineSequence(1,-1,8,0,0,0,1)"},
       {4, [](CInstrumentFixture& f) { (void)f.Blocks().AddBlock("new", 40); },
        "0 CreateDataBlock(1,40)"},
@@ -327,14 +284,12 @@ TEST(Download, WhatIsEditedMeanwhileIsSentNextTime) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.sentAgain);
     engine.build.SetModified(1);
-    engine.AtYield(row.yield, [&] { row.edit(engine); });
-    EXPECT_EQ(engine.Download(), S_OK);
+    engine.Host().AtYield(row.yield, [&] { row.edit(engine); });
+    (void)engine.Sent();
     engine.Host().onYield = nullptr;
-    EXPECT_EQ(engine.Download(), S_OK);
-    const Lines again = engine.Calls();
+    const Lines again = engine.Sent();
     EXPECT_NE(std::ranges::find(again, row.sentAgain), again.end());
-    EXPECT_EQ(engine.Download(), S_OK);
-    EXPECT_EQ(engine.Calls(), Lines{});
+    EXPECT_EQ(engine.Sent(), Lines{});
   }
 }
 
@@ -364,28 +319,27 @@ TEST(Download, EmptySlotsAreToldAndEndTheirStep) {
 }
 
 TEST(Download, SkipsDisabledInstrumentsAndSurvivesDeletedOnes) {
-  CEngineFixture engine(3);
+  CEngineFixture engine(4);
   (void)engine.Server().DefaultSystem();
   engine.Simulation().LogCalls(true);
   CInstrument* second = nullptr;
   (void)engine.Instruments().GetInstrumentAt(1, &second);
   (void)second->EnableInstrument(0);
-  CSequenceManager* sequence = nullptr;
-  CSubSequenceManager* subSequences = nullptr;
-  (void)second->GetSequenceManager(&sequence);
-  (void)second->GetSubSequenceManager(&subSequences);
-  (void)sequence->SetModified(0);
-  (void)subSequences->SetModified(0);
+  const CProgramView skipped(*second);
+  (void)skipped.Sequence()->SetModified(0);
+  (void)skipped.SubSequences()->SetModified(0);
   engine.Host().onYield = [&] {
+    if (engine.Router().titles.back() != "Sending PG 3.") return;
     engine.Host().onYield = nullptr;
+    (void)engine.Instruments().DeleteInstrumentAt(2);  // the one at work and one before it
     (void)engine.Instruments().DeleteInstrumentAt(0);
     EXPECT_EQ(engine.Server().Compile(), E_FAIL);
   };
   EXPECT_EQ(engine.Server().Download(), S_OK);
-  EXPECT_EQ(engine.Router().titles, (Lines{"Sending PG 1.", "Sending PG 3."}));
-  EXPECT_EQ(sequence->IsModified(), 1);  // passed on before the instrument is skipped
+  EXPECT_EQ(engine.Router().titles, (Lines{"Sending PG 1.", "Sending PG 3.", "Sending PG 4."}));
+  EXPECT_EQ(skipped.Sequence()->IsModified(), 1);  // passed on before the instrument is skipped
   EXPECT_EQ(engine.Host().boxes.size(), 1u);
-  EXPECT_EQ(engine.Simulation().TakeCalls().back(), "2 DataVectorsSM(0,0,10,0)");
+  EXPECT_EQ(engine.Simulation().TakeCalls().back(), "3 DataVectorsSM(0,0,10,0)");
 }
 
 TEST(Download, FormatsEventLevels) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quillpg {
@@ -44,6 +45,14 @@ class CScriptedHost : public CHostServices {
   }
   void GetExecutableDirectory(std::string& path) override { path = executableDirectory; }
   void GetSystemDirectory(std::string& path) override { path = systemDirectory; }
+
+  /// Runs `action` in the yield with that number, from 1 on, counted from now.
+  void AtYield(int number, std::function<void()> action) {
+    yields = 0;
+    onYield = [this, number, action = std::move(action)] {
+      if (yields == number) action();
+    };
+  }
 
   /// Texts of the boxes shown so far, oldest first.
   std::vector<std::string> BoxTexts() const {
