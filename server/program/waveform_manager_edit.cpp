@@ -178,7 +178,9 @@ Status CWaveformManager::SetChannelName(const std::string& name, int channel) {
   return GuardAllocation([&] {
     std::string newName = name;
     if (name.empty() && m_instrument) (void)m_instrument->GetChannelDefaultName(channel, newName);
-    return Rename({.channel = channel, .newName = newName}, [&](CWaveformData& row, bool rename) {
+    const WAVEFORM_RENAMING names{
+        .type = WaveType::Channel, .channel = channel, .newName = newName};
+    return Rename(names, [&](CWaveformData& row, bool rename) {
       if (row.waveType != WaveType::Channel || row.channel != channel) return false;
       if (rename) row.channelName = newName;
       return true;

@@ -21,8 +21,9 @@ struct INHIBIT_CONTROL {
   bool operator==(const INHIBIT_CONTROL&) const = default;
 };
 
-/// A renaming of rows: of a group (by its old name) or of a channel.
+/// A renaming of rows: of a group (by its old name) or of a channel (by its number).
 struct WAVEFORM_RENAMING {
+  WaveType type = WaveType::Group;
   std::string oldName = {};
   int channel = -1;
   std::string newName = {};

@@ -237,7 +237,10 @@ TEST_F(WaveformEditing, RenamesInEveryRow) {
   EXPECT_EQ(Rows().Row(3)->groupIndex, 0);
   EXPECT_EQ(Show(1), "D 10 1 0 B 63 62 I");
   EXPECT_EQ(Rows(1).SetGroupName("DATA", "Word"), S_OK);
-  EXPECT_EQ(Rows(1).Row(0), Rows(0).Row(0));            // alike rows stay one list
+  EXPECT_EQ(Rows(1).Row(0), Rows(0).Row(0));  // alike rows stay one list
+  EXPECT_EQ(Rows().SetGroupName("", "Word2"), S_OK);
+  EXPECT_EQ(Rows(1).SetChannelName("Word2", -1), S_OK);
+  EXPECT_EQ(Rows(1).Row(7)->groupName, "");             // another renaming than the block before
   EXPECT_EQ(Rows(1).SetChannelName("Sync", 52), S_OK);  // the inhibit row keeps its name
   EXPECT_EQ(Rows(1).Row(7)->channelName, "INHBA");
   EXPECT_EQ(Rows().CanEnableAddWaveform(), 1);
