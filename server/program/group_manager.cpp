@@ -273,7 +273,9 @@ Status CGroupManager::Read(CSetupFileReader& reader) {
     int count = 0;
     LayOutList(reader, GROUP_LIST.count, GROUP_LIST.record, GROUP_LIST.leastBytes, count,
                [&](int index) {
-                 if (index == 0) AppendPlaceholders(count);
+                 // A count that the file cannot be held against may lie.
+                 const bool bounded = reader.Remaining() != CByteReader::UNKNOWN;
+                 AppendPlaceholders(bounded ? count : index + 1);
                  (void)m_groups.At(index)->Read(reader);
                });
     if (reader.Form().rebuildsNames && Instrument()) {
@@ -288,7 +290,7 @@ Status CGroupManager::Read(CSetupFileReader& reader) {
 
 // All groups exist, under names of their own, before the first record is read.
 void CGroupManager::AppendPlaceholders(int count) {
-  for (int i = 0; i < count; ++i) {
+  for (int i = m_groups.Count(); i < count; ++i) {
     auto group = std::make_unique<GROUP>();
     (void)group->SetGroupName(FormatText("UserGrp%d", {i}));
     m_groups.AppendRead(std::move(group));

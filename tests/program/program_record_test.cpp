@@ -158,5 +158,30 @@ TEST(GroupRecords, AFailureKeepsPlaceholdersAndFailsTheStream) {
   EXPECT_TRUE(fixture.Handler().events.empty()) << "nothing is announced";
 }
 
+// Where nobody can tell how much follows, a count that lies must not be believed.
+class CEndlessCounts : public std::streambuf {
+ protected:
+  int_type underflow() override {
+    if (m_given > 1000) return traits_type::eof();
+    m_given += 4;
+    setg(m_count, m_count, m_count + 4);
+    return traits_type::to_int_type(m_count[0]);
+  }
+
+ private:
+  char m_count[4] = {'\0', '\0', '\0', '\x7f'};
+  int m_given = 0;
+};
+
+TEST(GroupRecords, AnEndlessCountMakesNoGroupsThatAreNotThere) {
+  CInstrumentFixture fixture;
+  CEndlessCounts pipe;
+  std::istream stream(&pipe);
+  EXPECT_EQ(PG_E_INSTRUMENT_RECORD, fixture.Groups().Read(stream));
+  int groups = 0;
+  (void)fixture.Groups().GetNoOfGroups(groups);
+  EXPECT_EQ(1, groups);
+}
+
 }  // namespace
 }  // namespace quillpg
