@@ -256,13 +256,14 @@ Status CInstrumentManager::DeleteInstrument(const std::string& name) {
 }
 
 Status CInstrumentManager::DeleteInstrumentAt(int position) {
-  if (!InList(position)) return E_FAIL;
+  if (m_kept || !InList(position)) return E_FAIL;
   DestroyAt(position);
   m_instruments.erase(m_instruments.begin() + position);
   return S_OK;
 }
 
 Status CInstrumentManager::DeleteAll() {
+  if (m_kept) return E_FAIL;
   for (int i = 0; i < Count(); ++i) DestroyAt(i);
   m_instruments.clear();
   ++m_revision;

@@ -73,7 +73,8 @@ class QUILLPG_API CInstrumentManager {
   /// Inserts before `position`; at or beyond the end the list grows to it with null entries in
   /// between. E_FAIL for null, a negative position and one above MAX_LIST_POSITIONS - 1.
   Status AddInstrumentAt(int position, CInstrument* instrument);
-  /// Destroys and removes. The clipboard forgets the instrument first.
+  /// Destroys and removes. The clipboard forgets the instrument first. E_FAIL, as for DeleteAll,
+  /// while a load or save reports its progress.
   Status DeleteInstrument(const std::string& name);
   Status DeleteInstrumentAt(int position);
   /// Destroys all; afterwards there is no current instrument.
@@ -124,11 +125,13 @@ class QUILLPG_API CInstrumentManager {
   CModuleManager* m_moduleManager = nullptr;
   std::vector<CInstrument*> m_instruments;
   bool m_busy = false;
+  bool m_kept = false;  ///< no instrument may be destroyed
   std::uint64_t m_revision = 0;
 };
 
 /// Marks the program as being compiled or downloaded for as long as it lives. The front end may
-/// call back while such an operation yields: whoever finds the mark taken must refuse.
+/// call back while such an operation yields: whoever finds the mark taken must refuse. A load or
+/// save, which holds on to instruments while it reports its progress, Keeps them as well.
 class CBusyMark {
  public:
   explicit CBusyMark(CInstrumentManager& instruments)
@@ -137,16 +140,20 @@ class CBusyMark {
   }
   ~CBusyMark() {
     if (m_taken) m_instruments.m_busy = false;
+    if (m_keeps) m_instruments.m_kept = false;
   }
   CBusyMark(const CBusyMark&) = delete;
   CBusyMark& operator=(const CBusyMark&) = delete;
 
   /// False when another operation was running already.
   bool Taken() const { return m_taken; }
+  /// From now on no instrument can be deleted; taken or not, but by one mark at a time.
+  void Keep() { m_keeps = m_instruments.m_kept = true; }
 
  private:
   CInstrumentManager& m_instruments;
   bool m_taken;
+  bool m_keeps = false;
 };
 
 }  // namespace quillpg

@@ -142,6 +142,7 @@ Status CFileManager::LookAt(const std::string& fileName) {
 }
 
 Status CFileManager::ReadFixedSection(std::istream& stream) {
+  if (m_working) return E_FAIL;  // the record belongs to what is going on
   return GuardAllocation(
       [&] {
         CSetupFileReader reader(stream);

@@ -13,6 +13,7 @@ namespace quillpg {
 
 class CAppServer;
 class CAtomicFile;
+class CBusyMark;
 class CByteWriter;
 class CInputFile;
 class CInstrument;
@@ -33,8 +34,8 @@ struct PREVIEW_INFO {
 ///
 /// Progress goes to the message router as a percentage, per instrument anew: 0 after the groups,
 /// then 25, 50, 75 and 100; a save without programs stops at 0. Whoever is called back there may
-/// not call a load, a save or a look at a file: E_FAIL. Loads are refused with E_FAIL, too, while a
-/// compile or download runs.
+/// not call a load, a save or a look at a file, nor delete instruments: E_FAIL. Loads are refused
+/// with E_FAIL, too, while a compile or download runs.
 ///
 /// Every operation that opens a file to read it gives PG_E_FILE_MISSING, PG_E_FILE_NOT_OPENED,
 /// PG_E_NOT_SETUP_FILE for a file of another product, and E_UNEXPECTED, with message
@@ -154,8 +155,9 @@ class QUILLPG_API CFileManager {
 
   Status SimulateModules();
 
+  Status MakeInstruments(CModuleManager& modules, CInstrumentManager& instruments) const;
   Status ReadProgram(CInstrument& instrument);
-  Status LoadAll(CModuleManager& modules);
+  Status LoadAll(CModuleManager& modules, CBusyMark& busy);
   Status LoadNamed(const std::string& fileName, const std::string& instrumentName,
                    CInstrument& target);
   Status StepTo(const std::string& instrumentName, bool& found);

@@ -50,9 +50,14 @@ void AddModules(CInstrument& instrument, const CModuleManager& modules, std::int
 // --- making the instruments ---
 
 Status CFileManager::CreateInstruments(CModuleManager* modules, CInstrumentManager* instruments) {
-  if (!modules || !instruments) return E_FAIL;
-  (void)instruments->DeleteAll();
-  (void)modules->InitializeModules();  // an unwilling module does not keep an instrument out
+  const CWorkMark work(m_working);
+  return work.Taken() && modules && instruments ? MakeInstruments(*modules, *instruments) : E_FAIL;
+}
+
+Status CFileManager::MakeInstruments(CModuleManager& modules,
+                                     CInstrumentManager& instruments) const {
+  (void)instruments.DeleteAll();
+  (void)modules.InitializeModules();  // an unwilling module does not keep an instrument out
   return GuardAllocation([&] {
     std::int64_t next = 0;
     for (const INSTRUMENT_ENTRY& entry : m_fixedSection->instruments) {
@@ -60,9 +65,9 @@ Status CFileManager::CreateInstruments(CModuleManager* modules, CInstrumentManag
       (void)instrument->Initialize();  // wires the managers
       (void)instrument->SetInstrumentName(entry.name);
       const int count = std::max(entry.modules, 0);
-      AddModules(*instrument, *modules, next, count);
+      AddModules(*instrument, modules, next, count);
       next += count;  // the full count, however many there were to add
-      const Status status = instruments->AddInstrument(instrument.get());
+      const Status status = instruments.AddInstrument(instrument.get());
       if (status != S_OK) return status;
       (void)instrument.release();
     }
@@ -118,13 +123,13 @@ Status CFileManager::LoadSystem(const std::string& fileName, int loadFlag) {
   CModuleManager* modules = LiveModules();
   if (!work.Taken() || !m_instruments || !modules) return E_FAIL;
   // Whoever is told of the progress must not replace what is being loaded.
-  const CBusyMark busy(*m_instruments);
+  CBusyMark busy(*m_instruments);
   if (!busy.Taken()) return E_FAIL;
   Status status = OpenForReading(fileName);
   if (status != S_OK) return status;
   m_loadFlag = loadFlag;
   m_loadModule = 0;  // a search that found nothing leaves it set
-  status = GuardAllocation([&] { return LoadAll(*modules); }, PG_E_INSTRUMENT_RECORD);
+  status = GuardAllocation([&] { return LoadAll(*modules, busy); }, PG_E_INSTRUMENT_RECORD);
   const bool loaded = status == S_OK;
   // What a failed load leaves must not be saved over the file that the system had.
   (void)m_instruments->SetFileName(loaded ? fileName : std::string());
@@ -133,9 +138,10 @@ Status CFileManager::LoadSystem(const std::string& fileName, int loadFlag) {
   return status;
 }
 
-Status CFileManager::LoadAll(CModuleManager& modules) {
+Status CFileManager::LoadAll(CModuleManager& modules, CBusyMark& busy) {
   FetchRecords();
-  Status status = CreateInstruments(&modules, m_instruments);
+  Status status = MakeInstruments(modules, *m_instruments);
+  busy.Keep();
   const int count = CountOf(*m_instruments);
   for (int i = 0; i < count && status == S_OK; ++i) {
     status = LoadInstrument(At(*m_instruments, i));
@@ -149,7 +155,7 @@ Status CFileManager::LoadDataWindow(const std::string& fileName,
   const CWorkMark work(m_working);
   CModuleManager* modules = LiveModules();
   if (!work.Taken() || !m_instruments || !modules) return E_FAIL;
-  const CBusyMark busy(*m_instruments);
+  CBusyMark busy(*m_instruments);
   if (!busy.Taken()) return E_FAIL;
   ShowReadingMessage(fileName);
   const Status status = OpenForReading(fileName);
@@ -157,7 +163,8 @@ Status CFileManager::LoadDataWindow(const std::string& fileName,
     m_loadModule = 1;
     (void)GuardAllocation([&] {
       FetchRecords();
-      (void)CreateInstruments(modules, m_instruments);
+      (void)MakeInstruments(*modules, *m_instruments);
+      busy.Keep();
       bool found = false;
       for (int i = 0; i < CountOf(*m_instruments) && !found; ++i) {
         found = EqualNoCase(m_fixedSection->instruments[static_cast<std::size_t>(i)].name,
@@ -180,8 +187,9 @@ Status CFileManager::LoadModule(const std::string& fileName, const std::string& 
                                 CInstrument* target) {
   const CWorkMark work(m_working);
   if (!work.Taken() || !m_instruments || !target) return E_FAIL;
-  const CBusyMark busy(*m_instruments);
+  CBusyMark busy(*m_instruments);
   if (!busy.Taken()) return E_FAIL;
+  busy.Keep();
   const CWaitCursor cursor;
   ShowReadingMessage(fileName);
   Status status = OpenForReading(fileName);
@@ -221,7 +229,7 @@ Status CFileManager::StepTo(const std::string& instrumentName, bool& found) {
   CInstrumentManager instruments;
   (void)modules.Initialize(static_cast<int>(m_fixedSection->memoryDepths.size()));
   (void)instruments.Initialize(&modules);
-  Status status = CreateInstruments(&modules, &instruments);
+  Status status = MakeInstruments(modules, instruments);
   int position = 0;
   for (const INSTRUMENT_ENTRY& entry : m_fixedSection->instruments) {
     found = EqualNoCase(entry.name, instrumentName);

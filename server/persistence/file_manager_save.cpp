@@ -101,6 +101,7 @@ void CFileManager::UpdateFixedSection(FIXED_SECTION& section, FileType type, int
 }
 
 Status CFileManager::WriteFixedSection(std::ostream& stream, FileType type, int position) {
+  if (m_working) return E_FAIL;  // the record belongs to what is going on
   return GuardAllocation([&] {
     UpdateFixedSection(*m_fixedSection, type, position, m_programDataFlag);
     CByteWriter writer;
@@ -147,7 +148,8 @@ Status CFileManager::SaveModule(const std::string& fileName, const std::string& 
 Status CFileManager::WriteFile(const std::string& fileName, FileType type, int position,
                                const std::vector<CInstrument*>& instruments) {
   // Whoever is told of the progress must not replace what is being written.
-  const CBusyMark busy(*m_instruments);
+  CBusyMark busy(*m_instruments);
+  busy.Keep();
   Status status = m_output->Open(fileName);
   if (status != S_OK) return status;
   m_writer = std::make_unique<CByteWriter>(*m_output);

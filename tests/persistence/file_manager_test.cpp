@@ -310,7 +310,15 @@ class CMeddlingRouter : public CMessageRouter {
  public:
   explicit CMeddlingRouter(CSavedSystem& system) : m_system(system) {}
   void SetProgressStatus(int) override {
-    statuses.insert({m_system.Server().LoadSystem(m_system.File()),
+    CModuleManager* modules = nullptr;
+    (void)m_system.Server().GetModuleManager(&modules);
+    CInstrumentManager& instruments = m_system.Instruments();
+    std::stringstream head;
+    statuses.insert({m_system.Files().WriteFixedSection(head, FileType::System, -1),
+                     m_system.Files().ReadFixedSection(head),
+                     m_system.Files().CreateInstruments(modules, &instruments),
+                     instruments.DeleteAll(), instruments.DeleteInstrumentAt(0),
+                     m_system.Server().LoadSystem(m_system.File()),
                      m_system.Files().IsPGFile(m_system.File()),
                      m_system.Files().SaveSystem(m_system.File("second"), "", 1),
                      m_system.Server().DefaultSystem(), m_system.Server().Compile()});
@@ -322,12 +330,14 @@ class CMeddlingRouter : public CMessageRouter {
 };
 
 TEST(FileManager, NothingIsReplacedUnderItsHands) {
-  CSavedSystem system;
+  CSavedSystem system(2);
   CMeddlingRouter router(system);
   (void)system.Files().SetMessageRouter(&router);
   ASSERT_EQ(S_OK, system.Files().SaveSystem(system.File(), "", 1));
   ASSERT_EQ(S_OK, system.Server().LoadSystem(system.File()));
+  EXPECT_EQ(S_OK, system.Files().LoadModule(system.File(), "PG 1", system.Instrument(0)));
   EXPECT_THAT(router.statuses, ElementsAre(E_FAIL));
+  EXPECT_EQ(S_OK, system.Instruments().DeleteInstrumentAt(1)) << "only meanwhile";
   EXPECT_EQ(CSavedSystem::DataOf(0), system.Data(0));
   (void)system.Files().SetMessageRouter(nullptr);
 }
