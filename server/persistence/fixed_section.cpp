@@ -42,7 +42,7 @@ void ReadCounted(File& file, const char* name, int leastBytes, int most, std::ve
 template <typename File>
 Status ReadSection(File& file, FIXED_SECTION& section, const std::string& product) {
   section.Clear();
-  return GuardAllocation(
+  const Status read = GuardAllocation(
       [&] {
         const Status status = ReadIdentifier(file, product, section.productName);
         if (Failed(status)) return status;
@@ -61,10 +61,11 @@ Status ReadSection(File& file, FIXED_SECTION& section, const std::string& produc
                             file.Field("memory depth", depth);
                           });
             });
-        if (!file.Good()) section.Clear();
         return file.Good() ? S_OK : E_UNEXPECTED;
       },
       E_UNEXPECTED);
+  if (read == E_UNEXPECTED) section.Clear();
+  return read;
 }
 
 }  // namespace
