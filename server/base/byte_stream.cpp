@@ -152,8 +152,7 @@ std::span<const std::uint8_t> CByteReader::Since(std::uint64_t offset) const {
 
 void CByteWriter::Field(const char* name, const std::string& text) {
   if (text.size() >= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
-    m_failed = true;  // the count has 31 bits
-    return;
+    return Fail();  // the count has 31 bits
   }
   Field(name, static_cast<std::int32_t>(text.size() + 1));
   std::uint8_t* room = Room(text.size() + 1);
@@ -188,7 +187,7 @@ bool CByteWriter::MakeRoom(std::size_t size) {
       m_buffer.resize(std::max({kLeastBuffer, m_used + size, 2 * m_buffer.size()}));
       return S_OK;
     });
-    m_failed = Failed(status);
+    if (Failed(status)) Fail();
   }
   return !m_failed;
 }
@@ -202,6 +201,12 @@ void CByteWriter::Put(std::span<const std::uint8_t> bytes) {
   if (m_failed) return;
   m_failed = !m_sink->Put(bytes);
   m_handedOver += bytes.size();
+}
+
+// No room is left for what follows.
+void CByteWriter::Fail() {
+  m_failed = true;
+  m_buffer.resize(m_used);
 }
 
 }  // namespace quillpg

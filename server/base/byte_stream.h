@@ -194,6 +194,7 @@ class CByteWriter {
   }
   bool MakeRoom(std::size_t size);
   void Put(std::span<const std::uint8_t> bytes);
+  void Fail();
 
   CByteSink* m_sink = nullptr;
   std::vector<std::uint8_t> m_buffer;
