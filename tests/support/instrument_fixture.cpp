@@ -4,6 +4,7 @@
 #include "hardware/module_manager.h"
 #include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
+#include "program/program_view.h"
 #include "quillpg/app_server.h"
 
 namespace quillpg {
@@ -52,27 +53,16 @@ CInstrumentFixture::CInstrumentFixture(int modules, bool option) : CEngineFixtur
 
 CInstrumentFixture::~CInstrumentFixture() { (void)Instruments().DeleteAll(); }
 
-template <typename Manager>
-Manager& Fetch(CInstrument& instrument, Status (CInstrument::*get)(Manager**) const) {
-  Manager* manager = nullptr;
-  (void)(instrument.*get)(&manager);
-  return *manager;
-}
-
 CGroupManager& CInstrumentFixture::Groups() {
-  return Fetch(*m_instrument, &CInstrument::GetGroupManager);
+  CGroupManager* groups = nullptr;
+  (void)m_instrument->GetGroupManager(&groups);
+  return *groups;
 }
-CBlockManager& CInstrumentFixture::Blocks() {
-  return Fetch(*m_instrument, &CInstrument::GetBlockManager);
-}
-CSequenceManager& CInstrumentFixture::Sequence() {
-  return Fetch(*m_instrument, &CInstrument::GetSequenceManager);
-}
+CBlockManager& CInstrumentFixture::Blocks() { return *CProgramView(*m_instrument).Blocks(); }
+CSequenceManager& CInstrumentFixture::Sequence() { return *CProgramView(*m_instrument).Sequence(); }
 CSubSequenceManager& CInstrumentFixture::SubSequences() {
-  return Fetch(*m_instrument, &CInstrument::GetSubSequenceManager);
+  return *CProgramView(*m_instrument).SubSequences();
 }
-CEventManager& CInstrumentFixture::Events() {
-  return Fetch(*m_instrument, &CInstrument::GetEventManager);
-}
+CEventManager& CInstrumentFixture::Events() { return *CProgramView(*m_instrument).Events(); }
 
 }  // namespace quillpg

@@ -5,6 +5,7 @@
 #include "program/block_manager.h"
 #include "program/event_manager.h"
 #include "program/group_manager.h"
+#include "program/program_view.h"
 #include "program/sequence_manager.h"
 #include "program/subsequence_manager.h"
 #include "program/waveform_manager.h"
@@ -55,6 +56,22 @@ Json ToArray(int count, Describe&& describe) {
   Json array = Json::array();
   for (int i = 0; i < count; ++i) array.push_back(describe(i));
   return array;
+}
+/// An array of what `describe(object)` gives for each object that `at(i)` finds.
+template <typename At, typename Describe>
+Json ToArray(At&& at, Describe&& describe) {
+  Json array = Json::array();
+  for (int i = 0; const auto* object = at(i); ++i) array.push_back(describe(*object));
+  return array;
+}
+/// Finds the object at a position, or null.
+template <typename C, typename T>
+auto At(const C& object, Status (C::*get)(int, T**) const) {
+  return [&object, get](int i) {
+    T* found = nullptr;
+    (void)(object.*get)(i, &found);
+    return found;
+  };
 }
 
 inline std::string Hex(const std::uint8_t* bytes, std::size_t count) {
@@ -110,9 +127,6 @@ inline Json ProbeJson(const CModule& module, int pod) {
 
 inline Json BlockJson(const BLOCK& block) {
   const LISTING_STATE& listing = block.GetListingState();
-  CWaveformManager& rows = *block.GetWaveformManager();
-  int rowCount = 0;
-  (void)rows.GetNoOfRows(rowCount);
   return {{"name", block.GetBlockName()},
           {"size", block.GetBlockSize()},
           {"width", block.GetBlockWidth()},
@@ -120,84 +134,61 @@ inline Json BlockJson(const BLOCK& block) {
            Hex(block.Data(), block.RowBytes() * static_cast<std::size_t>(block.GetBlockSize()))},
           {"ref1", listing.firstReference},
           {"ref2", listing.secondReference},
-          {"states", ToArray(listing.groupStates.Count(),
-                             [&](int i) {
-                               const GROUP_STATE& state = *listing.groupStates.At(i);
-                               return Json{{"group", state.GetGroupName()},
-                                           {"radix", ToJson(state.GetRadix())},
-                                           {"value1", state.GetDisplayValue1()},
-                                           {"value3", state.GetDisplayValue3()}};
+          {"states", ToArray([&](int i) { return listing.groupStates.At(i); },
+                             [](const GROUP_STATE& state) -> Json {
+                               return {{"group", state.GetGroupName()},
+                                       {"radix", ToJson(state.GetRadix())},
+                                       {"value1", state.GetDisplayValue1()},
+                                       {"value3", state.GetDisplayValue3()}};
                              })},
-          {"rows", ToArray(rowCount, [&](int i) {
-             CWaveformData* row = nullptr;
-             (void)rows.GetWaveformData(i, &row);
-             return Json{{"flag", row->flag},
-                         {"channel", row->channel},
-                         {"channel_name", row->channelName},
-                         {"group_index", row->groupIndex},
-                         {"group_name", row->groupName},
-                         {"reserved", row->reserved},
-                         {"wave_type", ToJson(row->waveType)}};
+          {"rows", ToArray([&](int i) { return block.GetWaveformManager()->Row(i); },
+                           [](const CWaveformData& row) -> Json {
+                             return {{"flag", row.flag},
+                                     {"channel", row.channel},
+                                     {"channel_name", row.channelName},
+                                     {"group_index", row.groupIndex},
+                                     {"group_name", row.groupName},
+                                     {"reserved", row.reserved},
+                                     {"wave_type", ToJson(row.waveType)}};
+                           })}};
+}
+
+inline Json GroupJson(const GROUP& group) {
+  return {{"name", group.GetGroupName()},
+          {"text", group.GetChannelNames()},
+          {"channels", group.Channels()}};
+}
+
+inline Json LineJson(const SEQUENCE_LINE& line) {
+  return {{"label", line.GetLabel()},
+          {"wait_for", line.GetWaitFor()},
+          {"output", line.GetOutput()},
+          {"repeat", line.GetRepeatCount()},
+          {"jump_if", line.GetJumpIf()},
+          {"jump_to", line.GetJumpTo()},
+          {"signal", ToJson(line.GetSignalValue())}};
+}
+
+inline Json SubSequenceJson(const SUBSEQUENCE& subsequence) {
+  return {
+      {"name", subsequence.GetSubSequenceName()},
+      {"lines", ToArray(At(subsequence, &SUBSEQUENCE::GetSubSequenceLine),
+                        [](const SUBSEQUENCE_LINE& line) -> Json {
+                          return {{"output", line.GetOutput()}, {"repeat", line.GetRepeatCount()}};
+                        })}};
+}
+
+inline Json EventJson(const EVENT& event) {
+  return {{"name", event.GetEventName()},
+          {"rows", ToArray(At(event, &EVENT::GetEventDefinition), [](const EVENT_DEFINITION& row) {
+             return std::string(row.Pattern());
            })}};
-}
-
-inline Json GroupsJson(const CInstrument& instrument) {
-  CGroupManager& groups = Manager(instrument, &CInstrument::GetGroupManager);
-  return ToArray(Get(groups, &CGroupManager::GetNoOfGroups), [&](int i) {
-    GROUP* group = nullptr;
-    (void)groups.GetGroup(i, &group);
-    return Json{{"name", group->GetGroupName()},
-                {"text", group->GetChannelNames()},
-                {"channels", group->Channels()}};
-  });
-}
-
-inline Json SequenceJson(const CInstrument& instrument) {
-  CSequenceManager& sequence = Manager(instrument, &CInstrument::GetSequenceManager);
-  return ToArray(Get(sequence, &CSequenceManager::GetNoOfSequenceLines), [&](int i) {
-    SEQUENCE_LINE* line = nullptr;
-    (void)sequence.GetSequenceLine(i, &line);
-    return Json{{"label", line->GetLabel()},
-                {"wait_for", line->GetWaitFor()},
-                {"output", line->GetOutput()},
-                {"repeat", line->GetRepeatCount()},
-                {"jump_if", line->GetJumpIf()},
-                {"jump_to", line->GetJumpTo()},
-                {"signal", ToJson(line->GetSignalValue())}};
-  });
-}
-
-inline Json SubSequencesJson(const CInstrument& instrument) {
-  CSubSequenceManager& manager = Manager(instrument, &CInstrument::GetSubSequenceManager);
-  return ToArray(Get(manager, &CSubSequenceManager::GetNoOfSubSequences), [&](int i) {
-    SUBSEQUENCE* subsequence = nullptr;
-    (void)manager.GetSubSequence(i, &subsequence);
-    return Json{{"name", subsequence->GetSubSequenceName()},
-                {"lines", ToArray(subsequence->GetNoOfSubSequenceLines(), [&](int k) {
-                   SUBSEQUENCE_LINE* line = nullptr;
-                   (void)subsequence->GetSubSequenceLine(k, &line);
-                   return Json{{"output", line->GetOutput()}, {"repeat", line->GetRepeatCount()}};
-                 })}};
-  });
-}
-
-inline Json EventsJson(const CInstrument& instrument) {
-  CEventManager& manager = Manager(instrument, &CInstrument::GetEventManager);
-  return ToArray(Get(manager, &CEventManager::GetNoOfEvents), [&](int i) {
-    EVENT* event = nullptr;
-    (void)manager.GetEvent(i, &event);
-    return Json{{"name", event->GetEventName()},
-                {"rows", ToArray(event->GetNoOfEventDefinitions(), [&](int k) {
-                   EVENT_DEFINITION* definition = nullptr;
-                   (void)event->GetEventDefinition(k, &definition);
-                   return std::string(definition->Pattern());
-                 })}};
-  });
 }
 
 inline Json InstrumentJson(const CInstrument& instrument) {
   using I = CInstrument;
-  CBlockManager& blocks = Manager(instrument, &I::GetBlockManager);
+  const CProgramView program(instrument);
+  const CGroupManager& groups = Manager(instrument, &I::GetGroupManager);
   Json json = {{"name", Get(instrument, &I::GetInstrumentName)},
                {"enabled", Get(instrument, &I::IsInstrumentEnabled)},
                {"channel_mode", Get(instrument, &I::GetChannelMode)},
@@ -212,21 +203,15 @@ inline Json InstrumentJson(const CInstrument& instrument) {
                {"adv_event_mode", Get(instrument, &I::GetAdvEventMode)},
                {"jump_event_mode", Get(instrument, &I::GetJumpEventMode)},
                {"input_source", Get(instrument, &I::GetInputSignalSource)},
-               {"output_dest", Get(instrument, &I::GetOutputSignalDest)},
-               {"groups", GroupsJson(instrument)},
-               {"sequence", SequenceJson(instrument)},
-               {"subsequences", SubSequencesJson(instrument)},
-               {"events", EventsJson(instrument)}};
-  json["modules"] = ToArray(Get(instrument, &I::GetNoOfModules), [&](int i) {
-    CModule* module = nullptr;
-    (void)instrument.GetModuleAt(i, &module);
-    return Json{{"deskew", Get(*module, &CModule::GetClockDeskew)},
-                {"probes", ToArray(NUM_PODS, [&](int pod) { return ProbeJson(*module, pod); })}};
-  });
-  json["blocks"] = ToArray(Get(blocks, &CBlockManager::GetNoOfBlocks), [&](int i) {
-    BLOCK* block = nullptr;
-    (void)blocks.GetBlock(i, &block);
-    return BlockJson(*block);
+               {"output_dest", Get(instrument, &I::GetOutputSignalDest)}};
+  json["groups"] = ToArray(At(groups, &CGroupManager::GetGroup), GroupJson);
+  json["blocks"] = ToArray([&](int i) { return program.BlockAt(i); }, BlockJson);
+  json["sequence"] = ToArray([&](int i) { return program.LineAt(i); }, LineJson);
+  json["subsequences"] = ToArray([&](int i) { return program.SubSequenceAt(i); }, SubSequenceJson);
+  json["events"] = ToArray([&](int i) { return program.EventAt(i); }, EventJson);
+  json["modules"] = ToArray(At(instrument, &I::GetModuleAt), [](const CModule& module) -> Json {
+    return {{"deskew", Get(module, &CModule::GetClockDeskew)},
+            {"probes", ToArray(NUM_PODS, [&](int pod) { return ProbeJson(module, pod); })}};
   });
   return json;
 }

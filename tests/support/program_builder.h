@@ -3,6 +3,7 @@
 #include "instrument/instrument.h"
 #include "program/block_manager.h"
 #include "program/event_manager.h"
+#include "program/program_view.h"
 #include "program/sequence_manager.h"
 #include "program/subsequence_manager.h"
 
@@ -27,15 +28,12 @@ struct LINE_TEXT {
 /// setup file could bring it past them too. Starts by emptying the program.
 class CProgramBuilder {
  public:
-  explicit CProgramBuilder(CInstrument& instrument) : m_instrument(instrument) {
-    (void)instrument.GetBlockManager(&m_blocks);
-    (void)instrument.GetSequenceManager(&m_sequence);
-    (void)instrument.GetSubSequenceManager(&m_subSequences);
-    (void)instrument.GetEventManager(&m_events);
-    (void)m_blocks->DeleteAll();
-    (void)m_sequence->DeleteAll();
-    (void)m_subSequences->DeleteAll();
-    (void)m_events->DeleteAll();
+  explicit CProgramBuilder(CInstrument& instrument)
+      : m_instrument(instrument), m_program(instrument) {
+    (void)m_program.Blocks()->DeleteAll();
+    (void)m_program.Sequence()->DeleteAll();
+    (void)m_program.SubSequences()->DeleteAll();
+    (void)m_program.Events()->DeleteAll();
     (void)SetModified(1);
   }
 
@@ -45,9 +43,7 @@ class CProgramBuilder {
     (void)m_instrument.GetBlockWidth(width);
     (void)block->Initialize(name, size, width, '\0');
     (void)block->SetBlockName(name);  // as it stands, blanks included
-    int count = 0;
-    (void)m_blocks->GetNoOfBlocks(count);
-    (void)m_blocks->InsertBlock(count, std::move(block));
+    (void)m_program.Blocks()->InsertBlock(m_program.BlockCount(), std::move(block));
     return *this;
   }
 
@@ -60,9 +56,7 @@ class CProgramBuilder {
     (void)line->SetJumpIf(text.jumpIf);
     (void)line->SetJumpTo(text.jumpTo);
     (void)line->SetSignalValue(text.signal);
-    int count = 0;
-    (void)m_sequence->GetNoOfSequenceLines(count);
-    (void)m_sequence->InsertLine(count, std::move(line));
+    (void)m_program.Sequence()->InsertLine(m_program.LineCount(), std::move(line));
     return *this;
   }
 
@@ -76,9 +70,8 @@ class CProgramBuilder {
       (void)line->SetRepeatCount(repeat);
       (void)subSequence->AddSubSequenceLine(std::move(line));
     }
-    int count = 0;
-    (void)m_subSequences->GetNoOfSubSequences(count);
-    (void)m_subSequences->InsertSubSequence(count, std::move(subSequence));
+    (void)m_program.SubSequences()->InsertSubSequence(m_program.SubSequenceCount(),
+                                                      std::move(subSequence));
     return *this;
   }
 
@@ -92,27 +85,22 @@ class CProgramBuilder {
       }
       (void)event->AddEventDefinition(std::move(definition));
     }
-    int count = 0;
-    (void)m_events->GetNoOfEvents(count);
-    (void)m_events->InsertEvent(count, std::move(event));
+    (void)m_program.Events()->InsertEvent(m_program.EventCount(), std::move(event));
     return *this;
   }
 
   /// The modified flags of all four lists.
   CProgramBuilder& SetModified(int flag) {
-    (void)m_blocks->SetModified(flag);
-    (void)m_sequence->SetModified(flag);
-    (void)m_subSequences->SetModified(flag);
-    (void)m_events->SetModified(flag);
+    (void)m_program.Blocks()->SetModified(flag);
+    (void)m_program.Sequence()->SetModified(flag);
+    (void)m_program.SubSequences()->SetModified(flag);
+    (void)m_program.Events()->SetModified(flag);
     return *this;
   }
 
  private:
   CInstrument& m_instrument;
-  CBlockManager* m_blocks = nullptr;
-  CSequenceManager* m_sequence = nullptr;
-  CSubSequenceManager* m_subSequences = nullptr;
-  CEventManager* m_events = nullptr;
+  CProgramView m_program;
 };
 
 }  // namespace quillpg

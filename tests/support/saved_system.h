@@ -1,8 +1,10 @@
 #pragma once
 
+#include "base/text.h"
 #include "instrument/instrument_manager.h"
 #include "persistence/file_manager.h"
 #include "program/group_manager.h"
+#include "program/program_view.h"
 #include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
 #include "support/program_builder.h"
@@ -51,26 +53,13 @@ class CSavedSystem : public CEngineFixture {
 
   /// "groups/blocks/lines/subsequences/events" of an instrument.
   std::string Counts(int position) {
-    int counts[5] = {};
+    const CProgramView program(*Instrument(position));
     CGroupManager* groups = nullptr;
-    CBlockManager* blocks = nullptr;
-    CSequenceManager* lines = nullptr;
-    CSubSequenceManager* subSequences = nullptr;
-    CEventManager* events = nullptr;
-    const CInstrument& instrument = *Instrument(position);
-    (void)instrument.GetGroupManager(&groups);
-    (void)instrument.GetBlockManager(&blocks);
-    (void)instrument.GetSequenceManager(&lines);
-    (void)instrument.GetSubSequenceManager(&subSequences);
-    (void)instrument.GetEventManager(&events);
-    (void)groups->GetNoOfGroups(counts[0]);
-    (void)blocks->GetNoOfBlocks(counts[1]);
-    (void)lines->GetNoOfSequenceLines(counts[2]);
-    (void)subSequences->GetNoOfSubSequences(counts[3]);
-    (void)events->GetNoOfEvents(counts[4]);
-    std::string text;
-    for (const int count : counts) text += (text.empty() ? "" : "/") + std::to_string(count);
-    return text;
+    int count = 0;
+    (void)Instrument(position)->GetGroupManager(&groups);
+    (void)groups->GetNoOfGroups(count);
+    return FormatText("%d/%d/%d/%d/%d", {count, program.BlockCount(), program.LineCount(),
+                                         program.SubSequenceCount(), program.EventCount()});
   }
   /// Channel 0, vectors 0 to 7 of the instrument's first block, which Fill makes its number.
   std::string Data(int position) {
