@@ -3,6 +3,7 @@
 #include "hardware/simulation/unit_unpacker.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace quillpg {
 
@@ -77,7 +78,7 @@ void CPatternMemory::Unpack(int block, std::uint64_t* rows, std::size_t stride,
   for (std::int64_t i = 0; i + group <= packed.shortUnits; i += group) {
     packed.half ? UnpackHalfUnit(words, unit) : UnpackShortPair(words, unit);
     take(SHORT_UNIT_VECTORS);
-    words += group * WORDS_PER_UNIT;
+    words += std::ptrdiff_t{group} * WORDS_PER_UNIT;
   }
 }
 

@@ -80,6 +80,7 @@ class CSimulatedModule final : public CSorrelModule {
   Status GetSequencerStatus(std::string& text) override;
 
   // Settings: the operations of each row of the table
+  // NOLINTBEGIN(bugprone-macro-parentheses): a type cannot stand in parentheses
 #define QUILLPG_MODULE_SETTING(name, type, initial)                                        \
   Status Set##name(type value) override { return Set(Setting::name, "Set" #name, value); } \
   Status Get##name(type& value) override { return Get(Setting::name, "Get" #name, value); }
@@ -104,6 +105,7 @@ class CSimulatedModule final : public CSorrelModule {
 #undef QUILLPG_MODULE_COMMAND
 #undef QUILLPG_POD_SETTING
 #undef QUILLPG_INDEXED_SETTING
+  // NOLINTEND(bugprone-macro-parentheses)
 
   // Program
   Status DeleteAllBlocks() override;
