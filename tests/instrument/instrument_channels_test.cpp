@@ -1,5 +1,6 @@
 #include "instrument/instrument.h"
 #include "program/group_manager.h"
+#include "support/ask.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
@@ -40,9 +41,7 @@ TEST(InstrumentChannels, DefaultNamesTellModulePodSectionAndBit) {
     EXPECT_EQ(instrument.GetChannelName(row.channel, name), row.name ? S_OK : E_FAIL);
     if (!row.name) continue;
     EXPECT_EQ(name, "") << "an unnamed channel";
-    int channel = -1;
-    EXPECT_EQ(instrument.GetChannelId(row.name, channel), S_OK);
-    EXPECT_EQ(channel, row.channel);
+    EXPECT_EQ(Ask(instrument, &CInstrument::GetChannelId, row.name), row.channel);
   }
 }
 
@@ -85,14 +84,12 @@ TEST(InstrumentChannels, UserNamesGoBeforeDefaultNames) {
   CInstrument& instrument = fixture.Instrument();
   // Channel 15 of pod D of the slave; in HALF mode that name is out of sight.
   ASSERT_EQ(instrument.SetChannelName(127, "Last"), S_OK);
-  int channel = -1;
-  EXPECT_EQ(instrument.GetChannelId("last", channel), S_OK);
-  EXPECT_EQ(channel, 127);
+  EXPECT_EQ(Ask(instrument, &CInstrument::GetChannelId, "last"), 127);
   // A name that becomes another channel's default name is still found as a user name.
   ASSERT_EQ(instrument.SetChannelName(5, "B0(0)"), S_OK);
   ASSERT_EQ(instrument.RemoveModuleAt(1), S_OK);
-  EXPECT_EQ(instrument.GetChannelId("B0(0)", channel), S_OK);
-  EXPECT_EQ(channel, 5);
+  EXPECT_EQ(Ask(instrument, &CInstrument::GetChannelId, "B0(0)"), 5);
+  int channel = 0;
   EXPECT_EQ(instrument.GetChannelId("Last", channel), E_FAIL);
   EXPECT_EQ(channel, -1);
 }

@@ -6,6 +6,7 @@
 #include "quillpg/app_server.h"
 #include "quillpg/grid_window.h"
 #include "quillpg/limits.h"
+#include "support/ask.h"
 #include "support/instrument_fixture.h"
 
 #include <climits>
@@ -23,16 +24,9 @@ using Names = std::vector<std::string>;
 class InstrumentManager : public testing::Test {
  protected:
   CInstrumentManager& List() { return m_engine.Instruments(); }
-  int Count() {
-    int count = -1;
-    (void)List().GetNoOfInstruments(count);
-    return count;
-  }
-  int Current() {
-    int position = -2;
-    (void)List().GetCurrentInst(position);
-    return position;
-  }
+  int Count() { return Ask(List(), &CInstrumentManager::GetNoOfInstruments); }
+  Names NamesOfAll() { return Ask(List(), &CInstrumentManager::GetInstrumentNames); }
+  int Current() { return Ask(List(), &CInstrumentManager::GetCurrentInst); }
   CInstrument* At(int position) {
     CInstrument* instrument = nullptr;
     EXPECT_EQ(List().GetInstrumentAt(position, &instrument), S_OK);
@@ -56,18 +50,11 @@ TEST_F(InstrumentManager, TheDefaultSystemHasOneInstrumentForEachModule) {
   (void)List().SetFileName("old");
   (void)List().AddInstrument(Make("old"));
   EXPECT_EQ(List().Default(), S_OK);
-  Names names;
-  (void)List().GetInstrumentNames(names);
-  EXPECT_EQ(names, (Names{"PG 1", "PG 2", "PG 3", "PG 4", "PG 5"}));
+  EXPECT_EQ(NamesOfAll(), (Names{"PG 1", "PG 2", "PG 3", "PG 4", "PG 5"}));
   EXPECT_EQ(Current(), 0);
-  std::string text;
-  EXPECT_EQ(List().GetComment(text), S_OK);
-  EXPECT_EQ(text, "");
-  EXPECT_EQ(List().GetFileName(text), S_OK);
-  EXPECT_EQ(text, "");
-  int modules = 0;
-  (void)At(4)->GetNoOfModules(modules);
-  EXPECT_EQ(modules, 1);
+  EXPECT_EQ(Ask(List(), &CInstrumentManager::GetComment), "");
+  EXPECT_EQ(Ask(List(), &CInstrumentManager::GetFileName), "");
+  EXPECT_EQ(Ask(*At(4), &CInstrument::GetNoOfModules), 1);
   EXPECT_EQ(m_engine.Host().cursorDepth, 0);
 
   EXPECT_EQ(List().Initialize(nullptr), S_OK);  // stores it and leaves the list alone
@@ -86,9 +73,7 @@ TEST_F(InstrumentManager, GrowsWithEmptyEntriesAndRefusesWhatItCannotHold) {
   EXPECT_EQ(List().AddInstrumentAt(5, Make("c")), S_OK);
   EXPECT_EQ(List().AddInstrumentAt(1, Make("d")), S_OK);
   EXPECT_EQ(Count(), 7);
-  Names names;
-  (void)List().GetInstrumentNames(names);
-  EXPECT_EQ(names, (Names{"a", "d", "b", "c"}));
+  EXPECT_EQ(NamesOfAll(), (Names{"a", "d", "b", "c"}));
   EXPECT_EQ(At(3), nullptr);
   EXPECT_EQ(At(-1), nullptr);
   EXPECT_EQ(At(7), nullptr);
@@ -204,13 +189,9 @@ TEST_F(InstrumentManager, CountsInstrumentsOfAFrame) {
   (void)manager->Initialize();
   (void)List().Default();
   (void)List().AddInstrumentAt(4, Make("no module"));
-  int count = -1;
-  EXPECT_EQ(List().GetNoOfInstruments(0, count), S_OK);
-  EXPECT_EQ(count, 1);
-  EXPECT_EQ(List().GetNoOfInstruments(1, count), S_OK);
-  EXPECT_EQ(count, 1);
-  EXPECT_EQ(List().GetNoOfInstruments(2, count), S_OK);
-  EXPECT_EQ(count, 0);
+  for (const auto& [frame, count] : {std::pair(0, 1), std::pair(1, 1), std::pair(2, 0)}) {
+    EXPECT_EQ(Ask(List(), &CInstrumentManager::GetNoOfInstruments, frame), count);
+  }
 }
 
 TEST_F(InstrumentManager, SumsSizes) {
@@ -235,12 +216,8 @@ TEST_F(InstrumentManager, SumsSizes) {
 
 TEST_F(InstrumentManager, AsksTheHardwareLibrary) {
   m_engine.Simulation().Mainframe().expansions = 2;
-  int count = -1;
-  EXPECT_EQ(List().GetNoOfExpansions(count), S_OK);
-  EXPECT_EQ(count, 2);
-  std::string text = "old";
-  EXPECT_EQ(List().GetControllerProperties(0, text), S_OK);
-  EXPECT_EQ(text, "");
+  EXPECT_EQ(Ask(List(), &CInstrumentManager::GetNoOfExpansions), 2);
+  EXPECT_EQ(Ask(List(), &CInstrumentManager::GetControllerProperties, 0), "");
 }
 
 class CWindow : public CSorrelGridWnd {

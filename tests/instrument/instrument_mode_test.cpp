@@ -4,6 +4,7 @@
 #include "program/waveform_data.h"
 #include "program/waveform_manager.h"
 #include "quillpg/app_server.h"
+#include "support/ask.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
@@ -116,11 +117,9 @@ TEST(InstrumentMode, GroupsAndRowsFollowTheirChannels) {
   EXPECT_THAT(group->Channels(), ElementsAre(32 + 2 * 8 + 7, 10));
   EXPECT_EQ(group->GetChannelNames(), "2C0(7),1B0(2)");
   CWaveformManager& rows = *BlockAt(fixture, 0).GetWaveformManager();
-  int count = 0;
-  ASSERT_EQ(rows.GetNoOfRows(count), S_OK);
-  EXPECT_EQ(count, 4) << "the group, its two channels, the inhibit control";
-  int channel = -1;
-  EXPECT_EQ(instrument.GetInhibitControlAt(0, channel), S_OK);
+  EXPECT_EQ(Ask(rows, &CWaveformManager::GetNoOfRows), 4)
+      << "the group, its two channels, the inhibit control";
+  const int channel = Ask(instrument, &CInstrument::GetInhibitControlAt, 0);
   EXPECT_EQ(channel, 32 + 3 * 8 + 4);
   CWaveformData* row = nullptr;
   ASSERT_EQ(rows.GetWaveformData(3, &row), S_OK);

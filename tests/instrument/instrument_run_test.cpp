@@ -1,6 +1,7 @@
 #include "hardware/module.h"
 #include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
+#include "support/ask.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
@@ -18,9 +19,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 ModuleState StateOf(const CInstrument& instrument) {
-  ModuleState state = ModuleState::Idle;
-  EXPECT_EQ(instrument.GetInstrumentState(state), S_OK);
-  return state;
+  return Ask(instrument, &CInstrument::GetInstrumentState);
 }
 
 TEST(InstrumentRun, SlavesFollowBeforeTheMasterStarts) {

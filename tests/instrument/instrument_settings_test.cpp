@@ -1,6 +1,7 @@
 #include "hardware/module.h"
 #include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
+#include "support/ask.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
@@ -33,11 +34,7 @@ SETTING MakeSetting(const char* operation, Status (CInstrument::*set)(T),
           [set](CInstrument& instrument, int value) {
             return (instrument.*set)(static_cast<T>(value));
           },
-          [get](CInstrument& instrument) {
-            T value{};
-            EXPECT_EQ((instrument.*get)(value), S_OK);
-            return static_cast<double>(value);
-          },
+          [get](CInstrument& instrument) { return static_cast<double>(Ask(instrument, get)); },
           keepsReadBack};
 }
 
@@ -184,21 +181,15 @@ TEST(InstrumentSettings, SignalPolarityFollowsTheSignal) {
 TEST(InstrumentSettings, OneInstrumentDrivesAnExclusiveSignal) {
   struct Row {
     SignalType type;
-    Status status;
-    std::vector<std::string> message;
+    const char* name;  // in the message; null where it may be shared
   };
   const Row rows[] = {
-      {SignalType::None, S_OK, {}},
-      {SignalType::Signal1,
-       PG_E_SIGNAL_DRIVEN,
-       {"Signal1 is already driven by the module PG 2 !!!"}},
-      {SignalType::Signal2,
-       PG_E_SIGNAL_DRIVEN,
-       {"Signal2 is already driven by the module PG 2 !!!"}},
-      {SignalType::Signal3, S_OK, {}},
-      {SignalType::Signal4, S_OK, {}},
-      // The clock has no short name; the message names none.
-      {SignalType::Clk10MHz, PG_E_SIGNAL_DRIVEN, {" is already driven by the module PG 2 !!!"}},
+      {SignalType::None, nullptr},
+      {SignalType::Signal1, "Signal1"},
+      {SignalType::Signal2, "Signal2"},
+      {SignalType::Signal3, nullptr},
+      {SignalType::Signal4, nullptr},
+      {SignalType::Clk10MHz, ""},  // has no short name: the message names none
   };
   CInstrumentFixture fixture;
   auto other = std::make_unique<CInstrument>();
@@ -213,10 +204,13 @@ TEST(InstrumentSettings, OneInstrumentDrivesAnExclusiveSignal) {
     ASSERT_EQ(second.SetOutputSignalDest(row.type), S_OK);
     fixture.Host().boxes.clear();
     (void)fixture.Simulation().TakeCalls();
-    EXPECT_EQ(fixture.Instrument().SetOutputSignalDest(row.type), row.status);
-    EXPECT_EQ(fixture.Simulation().TakeCalls().empty(), row.status != S_OK);
+    EXPECT_EQ(fixture.Instrument().SetOutputSignalDest(row.type),
+              row.name ? PG_E_SIGNAL_DRIVEN : S_OK);
+    EXPECT_EQ(fixture.Simulation().TakeCalls().empty(), row.name != nullptr);
     EXPECT_EQ(second.CanSetSignalOut(row.type), S_OK) << "its own signal";
-    EXPECT_EQ(fixture.Host().BoxTexts(), row.message);
+    std::vector<std::string> message;
+    if (row.name) message = {row.name + std::string(" is already driven by the module PG 2 !!!")};
+    EXPECT_EQ(fixture.Host().BoxTexts(), message);
     ASSERT_EQ(fixture.Instrument().SetOutputSignalDest(SignalType::None), S_OK);
   }
 }
@@ -240,29 +234,15 @@ TEST(InstrumentSettings, LimitsFollowTheMode) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.properties);
     ASSERT_EQ(instrument.SetChannelMode(row.mode), S_OK);
-    int value = 0;
-    (void)instrument.GetMaxChannelsPerPod(value);
-    EXPECT_EQ(value, row.pod);
-    (void)instrument.GetMaxChannelsPerModule(value);
-    EXPECT_EQ(value, row.module);
-    (void)instrument.GetBlockWidth(value);
-    EXPECT_EQ(value, row.channels);
-    (void)instrument.GetMinBlocksize(value);
-    EXPECT_EQ(value, row.minimum);
-    (void)instrument.GetMaxClockSpeed(value);
-    EXPECT_EQ(value, row.speed);
-    double seconds = 0;
-    (void)instrument.GetMinClockPeriod(seconds);
-    EXPECT_EQ(seconds, row.shortest);
-    (void)instrument.GetMaxClockPeriod(seconds);
-    EXPECT_EQ(seconds, row.longest);
-    long depth = 0;
-    (void)instrument.GetMaxBlocksize(depth);
-    EXPECT_EQ(depth, row.depth);
-    std::string text;
-    EXPECT_EQ(instrument.GetModuleProperties(1, text), S_OK);
-    EXPECT_EQ(text, row.properties);
-    EXPECT_EQ(instrument.GetModuleProperties(2, text), PG_E_SLOT_EMPTY);
+    EXPECT_EQ(Ask(instrument, &CInstrument::GetMaxChannelsPerPod), row.pod);
+    EXPECT_EQ(Ask(instrument, &CInstrument::GetMaxChannelsPerModule), row.module);
+    EXPECT_EQ(Ask(instrument, &CInstrument::GetBlockWidth), row.channels);
+    EXPECT_EQ(Ask(instrument, &CInstrument::GetMinBlocksize), row.minimum);
+    EXPECT_EQ(Ask(instrument, &CInstrument::GetMaxClockSpeed), row.speed);
+    EXPECT_EQ(Ask(instrument, &CInstrument::GetMinClockPeriod), row.shortest);
+    EXPECT_EQ(Ask(instrument, &CInstrument::GetMaxClockPeriod), row.longest);
+    EXPECT_EQ(Ask(instrument, &CInstrument::GetMaxBlocksize), row.depth);
+    EXPECT_EQ(Ask(instrument, &CInstrument::GetModuleProperties, 1), row.properties);
   }
 }
 

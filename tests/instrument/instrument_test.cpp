@@ -8,6 +8,7 @@
 #include "program/subsequence_manager.h"
 #include "program/waveform_manager.h"
 #include "quillpg/app_server.h"
+#include "support/ask.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
@@ -57,9 +58,7 @@ TEST(Instrument, ModulesWithoutHardwareAnswerAsSuch) {
   CModule offline;
   CInstrument instrument;
   (void)instrument.Initialize();
-  long depth = 0;
-  EXPECT_EQ(instrument.GetMemoryDepth(depth), S_OK);
-  EXPECT_EQ(depth, 262140) << "without modules";
+  EXPECT_EQ(Ask(instrument, &CInstrument::GetMemoryDepth), 262140) << "without modules";
   (void)instrument.AddModule(&offline);
   CSorrelModule* hardware = fixture.Simulation().HardwareModule(0);
   EXPECT_EQ(instrument.GetSorrelModuleAt(0, &hardware), S_OK);
@@ -100,26 +99,15 @@ TEST(Instrument, DefaultBringsEverythingButTheNameBack) {
                           "0 SetClockPolarity(0)", "0 SetEventFilter(0)", "0 SetEventForInhibit(0)",
                           "0 SetEventModeForJump(1)", "0 SetEventModeForAdvance(1)",
                           "0 SetRunMode(0)", "0 SetSignalInputSource(0)", "0 SetSignalOutDest(0)"));
-  std::string text;
-  (void)instrument.GetInstrumentName(text);
-  EXPECT_EQ(text, "PG 1");
-  (void)instrument.GetComment(text);
-  EXPECT_EQ(text, "");
-  (void)instrument.GetFileName(text);
-  EXPECT_EQ(text, "");
-  int value = 0;
-  (void)instrument.IsInstrumentEnabled(value);
-  EXPECT_EQ(value, 1);
-  (void)instrument.IsModified(value);
-  EXPECT_EQ(value, 1);
-  (void)instrument.GetNoOfInhibitControls(value);
-  EXPECT_EQ(value, 0);
-  (void)fixture.Blocks().GetNoOfBlocks(value);
-  EXPECT_EQ(value, 1);
-  (void)fixture.SubSequences().GetNoOfSubSequences(value);
-  EXPECT_EQ(value, 0);
-  (void)fixture.Events().GetNoOfEvents(value);
-  EXPECT_EQ(value, 0);
+  EXPECT_EQ(Ask(instrument, &CInstrument::GetInstrumentName), "PG 1");
+  EXPECT_EQ(Ask(instrument, &CInstrument::GetComment), "");
+  EXPECT_EQ(Ask(instrument, &CInstrument::GetFileName), "");
+  EXPECT_EQ(Ask(instrument, &CInstrument::IsInstrumentEnabled), 1);
+  EXPECT_EQ(Ask(instrument, &CInstrument::IsModified), 1);
+  EXPECT_EQ(Ask(instrument, &CInstrument::GetNoOfInhibitControls), 0);
+  EXPECT_EQ(Ask(fixture.Blocks(), &CBlockManager::GetNoOfBlocks), 1);
+  EXPECT_EQ(Ask(fixture.SubSequences(), &CSubSequenceManager::GetNoOfSubSequences), 0);
+  EXPECT_EQ(Ask(fixture.Events(), &CEventManager::GetNoOfEvents), 0);
   BLOCK* block = nullptr;
   (void)fixture.Blocks().GetBlock(0, &block);
   EXPECT_EQ(block->GetBlockWidth(), 64);
@@ -141,13 +129,9 @@ TEST(Instrument, ResetSendsTheStoredSettingsAndKeepsTheProgram) {
   EXPECT_THAT(calls, testing::Contains("0 SetClockPeriod(0.5)"));
   EXPECT_THAT(calls, testing::Contains("0 SetOutputLevel(A,3)"));
   EXPECT_THAT(calls, testing::Not(testing::Contains("0 ResetModule()")));
-  int value = 1;
-  (void)instrument.IsModified(value);
-  EXPECT_EQ(value, 0);
-  (void)instrument.IsInstrumentEnabled(value);
-  EXPECT_EQ(value, 0);
-  (void)fixture.Groups().GetNoOfGroups(value);
-  EXPECT_EQ(value, 4);
+  EXPECT_EQ(Ask(instrument, &CInstrument::IsModified), 0);
+  EXPECT_EQ(Ask(instrument, &CInstrument::IsInstrumentEnabled), 0);
+  EXPECT_EQ(Ask(fixture.Groups(), &CGroupManager::GetNoOfGroups), 4);
 }
 
 TEST(Instrument, RenamingMindsTheCase) {
@@ -220,18 +204,15 @@ TEST(Instrument, InhibitControlsFollowModulesAndPods) {
     int channel = -1;
     for (int i = 0; instrument.GetInhibitControlAt(i, channel) == S_OK; ++i) {
       channels.push_back(channel);
-      EXPECT_EQ(instrument.GetInhibitControlName(i, name), S_OK);
-      names.push_back(name);
+      names.push_back(Ask(instrument, &CInstrument::GetInhibitControlName, i));
     }
     EXPECT_EQ(names, row.names);
     EXPECT_EQ(channels, row.channels);
     EXPECT_EQ(channel, -1) << "past the last one";
     EXPECT_EQ(instrument.GetInhibitControlName(-1, name), E_FAIL);
     EXPECT_EQ(name, "");
-    int count = -1;
     ASSERT_EQ(instrument.RemoveModuleAt(row.modules - 1), S_OK);
-    EXPECT_EQ(instrument.GetNoOfInhibitControls(count), S_OK);
-    EXPECT_EQ(count, 0);
+    EXPECT_EQ(Ask(instrument, &CInstrument::GetNoOfInhibitControls), 0);
   }
 }
 
@@ -248,7 +229,6 @@ TEST(Instrument, UniqueNamesTakeTheSmallestFreeNumber) {
       {ContentType::SequenceLine, S_OK, "Line2"},
       {ContentType::SubSequence, S_OK, "SubSeq2"},
       {ContentType::Instrument, E_FAIL, "untouched"},
-      {ContentType::None, E_FAIL, "untouched"},
       {static_cast<ContentType>(-7), E_FAIL, "untouched"},
   };
   CInstrumentFixture fixture;

@@ -7,6 +7,7 @@
 #include "instrument/instrument_manager.h"
 #include "program/block_manager.h"
 #include "quillpg/app_server.h"
+#include "support/ask.h"
 #include "support/instrument_fixture.h"
 
 #include <climits>
@@ -51,11 +52,8 @@ class CMergeFixture : public CEngineFixture {
   // Names and module counts of the working copy, '*' before the current one.
   std::string Copy() {
     std::string text;
-    int count = 0;
-    int current = -1;
-    (void)m_manager->GetNoOfInstruments(count);
-    (void)m_manager->GetCurrentInst(current);
-    for (int i = 0; i < count; ++i) {
+    const int current = Ask(*m_manager, &CMergeManager::GetCurrentInst);
+    for (int i = 0; i < Ask(*m_manager, &CMergeManager::GetNoOfInstruments); ++i) {
       INSTRUMENT_INFO* info = nullptr;
       (void)m_manager->GetInstrumentAt(i, &info);
       text += i == current ? " *" : " ";
@@ -67,16 +65,12 @@ class CMergeFixture : public CEngineFixture {
   // The same of the live instruments.
   std::string System() {
     std::string text;
-    int count = 0;
-    int current = -1;
-    (void)Instruments().GetNoOfInstruments(count);
-    (void)Instruments().GetCurrentInst(current);
-    for (int i = 0; i < count; ++i) {
-      std::string name;
-      int modules = 0;
-      if (Live(i)) (void)Live(i)->GetInstrumentName(name);
-      if (Live(i)) (void)Live(i)->GetNoOfModules(modules);
-      text += (i == current ? " *" : " ") + name + ":" + std::to_string(modules);
+    const int current = Ask(Instruments(), &CInstrumentManager::GetCurrentInst);
+    for (int i = 0; i < Ask(Instruments(), &CInstrumentManager::GetNoOfInstruments); ++i) {
+      text += i == current ? " *" : " ";
+      if (!Live(i)) continue;
+      text += Ask(*Live(i), &CInstrument::GetInstrumentName) + ":" +
+              std::to_string(Ask(*Live(i), &CInstrument::GetNoOfModules));
     }
     return text.substr(std::min<std::size_t>(text.size(), 1));
   }
@@ -126,14 +120,9 @@ TEST(MergeManager, TellsWhatMayBeMergedAndSplit) {
   ASSERT_EQ(engine.Do("m1 m2 m3 m4"), S_OK);
   const char* roles[] = {"Master", "Slave1", "Slave2", "Slave3", "Slave4", ""};
   for (int i = 0; i < 6; ++i) {
-    int can = -1;
-    EXPECT_EQ(engine.Merger().CanMerge(i, can), S_OK);
-    EXPECT_EQ(can, i == 5 ? 1 : 0);
-    EXPECT_EQ(engine.Merger().CanUnMerge(i, can), S_OK);
-    EXPECT_EQ(can, i == 5 ? 0 : 1);
-    std::string role;
-    EXPECT_EQ(engine.Merger().GetRoleName(i, role), S_OK);
-    EXPECT_EQ(role, roles[i]);
+    EXPECT_EQ(Ask(engine.Merger(), &CMergeManager::CanMerge, i), i == 5 ? 1 : 0);
+    EXPECT_EQ(Ask(engine.Merger(), &CMergeManager::CanUnMerge, i), i == 5 ? 0 : 1);
+    EXPECT_EQ(Ask(engine.Merger(), &CMergeManager::GetRoleName, i), roles[i]);
   }
   for (const int bad : {INT_MIN, -1, 6, INT_MAX}) {
     long depth = 0;
@@ -164,15 +153,12 @@ TEST(MergeManager, GeneratesFreeNames) {
   EXPECT_EQ(name, "PG 3");  // not the freed PG 0
   EXPECT_EQ(merger.SetInstrumentName(2, "x"), E_FAIL);
 
-  int valid = 0;
-  for (const auto& [asked, expected] :
+  for (const auto& [asked, valid] :
        {std::pair("pg 1", 0), std::pair(" \t", 0), std::pair("", 0), std::pair("PG 9", 1)}) {
-    EXPECT_EQ(merger.IsValidInstrumentName(asked, valid), S_OK);
-    EXPECT_EQ(valid, expected) << asked;
+    EXPECT_EQ(Ask(merger, &CMergeManager::IsValidInstrumentName, asked), valid) << asked;
   }
   (void)engine.Do("d0 d0");
-  (void)merger.IsValidInstrumentName("", valid);
-  EXPECT_EQ(valid, 1);
+  EXPECT_EQ(Ask(merger, &CMergeManager::IsValidInstrumentName, ""), 1);
 
   // A translation that forgot the number.
   (void)merger.AddInstrument(0, 0, 1);
@@ -257,14 +243,10 @@ TEST(MergeManager, UpdateKeepsWhatHasTheSameModules) {
   int bit = 1;
   EXPECT_EQ(last->GetChannelData(5, 0, 7, bit), S_OK);
   EXPECT_EQ(bit, 0);
-  float deskew = 0;
-  EXPECT_EQ(engine.Module(1).GetClockDeskew(deskew), S_OK);
-  EXPECT_EQ(deskew, 2.5F);  // after the defaults of the new instrument
-  int answer = 0;
-  EXPECT_EQ(merger.GetMaxClockSpeed(2, answer), S_OK);
-  EXPECT_EQ(answer, 268);
-  EXPECT_EQ(merger.GetMaxChannelsPerModule(2, answer), S_OK);
-  EXPECT_EQ(answer, 32);
+  // Sent after the defaults of the new instrument.
+  EXPECT_EQ(Ask(engine.Module(1), &CModule::GetClockDeskew), 2.5F);
+  EXPECT_EQ(Ask(merger, &CMergeManager::GetMaxClockSpeed, 2), 268);
+  EXPECT_EQ(Ask(merger, &CMergeManager::GetMaxChannelsPerModule, 2), 32);
 
   const CInstrument* merged = engine.Live(1);
   EXPECT_EQ(merger.Update(), S_OK);

@@ -5,12 +5,14 @@
 #include "program/sequence_manager.h"
 #include "program/subsequence_manager.h"
 #include "quillpg/app_server.h"
+#include "support/ask.h"
 #include "support/instrument_fixture.h"
 #include "support/program_builder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <numeric>
 #include <vector>
 
@@ -25,23 +27,15 @@ BLOCK& BlockAt(CInstrumentFixture& engine, int index) {
   return *block;
 }
 
-// The counts of all five lists.
-struct COUNTS {
-  explicit COUNTS(CInstrumentFixture& engine) {
-    (void)engine.Blocks().GetNoOfBlocks(blocks);
-    (void)engine.Sequence().GetNoOfSequenceLines(lines);
-    (void)engine.SubSequences().GetNoOfSubSequences(subSequences);
-    (void)engine.Events().GetNoOfEvents(events);
-  }
-  COUNTS(int blockCount, int lineCount, int subSequenceCount, int eventCount)
-      : blocks(blockCount), lines(lineCount), subSequences(subSequenceCount), events(eventCount) {}
-  bool operator==(const COUNTS&) const = default;
+// Blocks, sequence lines, subsequences, events.
+using COUNTS = std::array<int, 4>;
 
-  int blocks = 0;
-  int lines = 0;
-  int subSequences = 0;
-  int events = 0;
-};
+COUNTS CountsOf(CInstrumentFixture& engine) {
+  return {Ask(engine.Blocks(), &CBlockManager::GetNoOfBlocks),
+          Ask(engine.Sequence(), &CSequenceManager::GetNoOfSequenceLines),
+          Ask(engine.SubSequences(), &CSubSequenceManager::GetNoOfSubSequences),
+          Ask(engine.Events(), &CEventManager::GetNoOfEvents)};
+}
 
 // Compiles, downloads and plays; what `module` drove.
 Words Play(CInstrumentFixture& engine, int module, std::int64_t limit, PlayEnd expected) {
@@ -132,7 +126,7 @@ TEST(TestData, ProgramsCompileAndPlay) {
           .Event("Kept", {"000000000"})
           .Line({.output = "Kept"});
       ASSERT_EQ(engine.Instrument().CreateTestData(row.type), S_OK);
-      EXPECT_EQ(COUNTS(engine), row.counts);
+      EXPECT_EQ(CountsOf(engine), row.counts);
       const Words played = Play(engine, 0, 1000000, PlayEnd::Idle);
       EXPECT_TRUE(Steps(played) == row.steps);
       EXPECT_EQ(played.size(), row.vectorsFull * (mode == ChannelMode::Half ? 2 : 1));
@@ -156,7 +150,7 @@ TEST(TestData, CellsAreBlocksAlone) {
     (void)engine.Instrument().SetChannelMode(mode);
     CProgramBuilder(engine.Instrument()).Block("Old").Sub("s", {}).Event("e", {}).Line({"Block3"});
     ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::Cell), S_OK);
-    EXPECT_EQ(COUNTS(engine), COUNTS(count, 1, 1, 1));
+    EXPECT_EQ(CountsOf(engine), (COUNTS{count, 1, 1, 1}));
     BLOCK& last = BlockAt(engine, count - 1);
     EXPECT_EQ(last.GetBlockName(), "Block" + std::to_string(count - 1));
     EXPECT_EQ(last.GetBlockSize(), smallest + count - 1);
@@ -171,7 +165,7 @@ TEST(TestData, TheMostBlocksExceedTheMemory) {
     CInstrumentFixture engine;
     (void)engine.Instrument().SetChannelMode(mode);
     ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::MaxBlocks), S_OK);
-    EXPECT_EQ(COUNTS(engine), COUNTS(4000, 4000, 0, 0));
+    EXPECT_EQ(CountsOf(engine), (COUNTS{4000, 4000, 0, 0}));
     BLOCK& last = BlockAt(engine, 3999);
     EXPECT_EQ(last.GetBlockSize(), size);
     const std::uint8_t* row = last.Data() + last.RowBytes() * static_cast<std::size_t>(size - 1);
@@ -203,12 +197,12 @@ TEST(TestData, RefusesWithoutTouchingTheProgram) {
   for (const int type : {-1, 7, 8}) {
     EXPECT_EQ(engine.Instrument().CreateTestData(static_cast<TestDataType>(type)), S_OK);
   }
-  EXPECT_EQ(COUNTS(engine), COUNTS(1, 1, 0, 0));
+  EXPECT_EQ(CountsOf(engine), (COUNTS{1, 1, 0, 0}));
   EXPECT_EQ(engine.Host().cursorsShown, 0);
   (void)engine.Instrument().RemoveModuleAt(0);
   EXPECT_EQ(engine.Instrument().CreateTestData(TestDataType::MaxEvents), E_FAIL);
   EXPECT_EQ(engine.Instrument().CreateTestData(TestDataType::DownloadOptimization), S_OK);
-  EXPECT_EQ(COUNTS(engine), COUNTS(1, 1, 0, 0));
+  EXPECT_EQ(CountsOf(engine), (COUNTS{1, 1, 0, 0}));
 }
 
 }  // namespace
