@@ -19,10 +19,9 @@ std::vector<int> Channels(int first, int count) {
 }
 
 std::vector<std::uint8_t> DataOf(CInstrumentFixture& engine) {
-  BLOCK* block = nullptr;
-  (void)engine.Blocks().GetBlock(0, &block);
-  const std::size_t bytes = block->RowBytes() * static_cast<std::size_t>(block->GetBlockSize());
-  return {block->Data(), block->Data() + bytes};
+  const BLOCK& block = engine.BlockAt(0);
+  const std::size_t bytes = block.RowBytes() * static_cast<std::size_t>(block.GetBlockSize());
+  return {block.Data(), block.Data() + bytes};
 }
 
 TEST(FillChannelData, IsOneStepAVectorChannelAfterChannel) {
@@ -64,9 +63,7 @@ TEST(FillChannelData, IsOneStepAVectorChannelAfterChannel) {
               S_OK);
     const std::vector<std::uint8_t> filled = DataOf(engine);
 
-    BLOCK* block = nullptr;
-    (void)engine.Blocks().GetBlock(0, &block);
-    std::memset(block->Data(), 0xFF, filled.size());  // as a new block
+    std::memset(engine.BlockAt(0).Data(), 0xFF, filled.size());  // as a new block
     for (const int channel : row.channels) {
       for (int i = std::max(row.first, 0); i <= std::min(row.last, 299); ++i) {
         (void)engine.Instrument().SetChannelData(channel, 0, i, plain.getNextData());
@@ -88,16 +85,15 @@ TEST(FillChannelData, RefusesWhatIsMissingAndWritesNothingThen) {
   EXPECT_EQ(before, DataOf(engine));
   EXPECT_EQ(generator.getNextData(), 1);
 
-  BLOCK* block = nullptr;
-  (void)engine.Blocks().GetBlock(0, &block);
-  (void)block->SetChanged(0);
+  BLOCK& block = engine.BlockAt(0);
+  (void)block.SetChanged(0);
   (void)engine.Blocks().SetModified(0);
   EXPECT_EQ(instrument.FillChannelData(0, 0, 40, 50, generator), S_OK);
-  EXPECT_FALSE(block->IsChanged());
+  EXPECT_FALSE(block.IsChanged());
   EXPECT_EQ(instrument.FillChannelData(0, 0, 39, 50, generator), S_OK);
-  EXPECT_TRUE(block->IsChanged());
+  EXPECT_TRUE(block.IsChanged());
   EXPECT_EQ(engine.Blocks().IsModified(), 1);
-  block->DeAllocateBlockData();
+  block.DeAllocateBlockData();
   EXPECT_EQ(instrument.FillChannelData(0, 0, 0, 39, generator), E_FAIL);
 }
 

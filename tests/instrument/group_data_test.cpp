@@ -17,12 +17,6 @@ namespace {
 
 constexpr Radix kRadixes[] = {Radix::Hex, Radix::Decimal, Radix::Octal, Radix::Binary};
 
-BLOCK& BlockOf(CInstrumentFixture& fixture) {
-  BLOCK* block = nullptr;
-  EXPECT_EQ(fixture.Blocks().GetBlock(0, &block), S_OK);
-  return *block;
-}
-
 // The bytes of the block, to see what a write left alone.
 std::string Bytes(const BLOCK& block) {
   const auto size = static_cast<std::size_t>(block.GetBlockSize()) * block.RowBytes();
@@ -68,7 +62,7 @@ TEST(GroupData, AgreesWithThePlainConversion) {
   CInstrumentFixture fixture(5);
   CInstrument& instrument = fixture.Instrument();
   const CPlainGroupText plain(instrument);
-  BLOCK& block = BlockOf(fixture);
+  BLOCK& block = fixture.BlockAt(0);
   CRandomGroups random;
   for (int round = 0; round < 400; ++round) {
     const int count = round <= 320 ? round : random.Number(0, 400);
@@ -142,7 +136,7 @@ TEST(GroupData, WritesARunOfVectorsCutAtTheBlock) {
   for (const Row& row : rows) {
     SCOPED_TRACE(std::to_string(row.vector) + ", " + std::to_string(row.count));
     CInstrumentFixture fixture;
-    BLOCK& block = BlockOf(fixture);
+    BLOCK& block = fixture.BlockAt(0);
     (void)block.SetChanged(0);
     (void)fixture.Blocks().SetModified(0);
     EXPECT_EQ(
@@ -173,14 +167,14 @@ TEST(GroupData, SingleBitsAreBoundedByTheBlockItself) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(std::to_string(row.channel) + "," + std::to_string(row.vector));
-    const std::string before = Bytes(BlockOf(fixture));
+    const std::string before = Bytes(fixture.BlockAt(0));
     int bit = -1;
     EXPECT_EQ(instrument.GetChannelData(row.channel, row.block, row.vector, bit), row.status);
     EXPECT_EQ(bit, row.status == S_OK ? 1 : 0);
     EXPECT_EQ(instrument.SetChannelData(row.channel, row.block, row.vector, 0), row.status);
-    EXPECT_EQ(Bytes(BlockOf(fixture)) == before, row.status != S_OK);
+    EXPECT_EQ(Bytes(fixture.BlockAt(0)) == before, row.status != S_OK);
   }
-  const BLOCK& block = BlockOf(fixture);
+  const BLOCK& block = fixture.BlockAt(0);
   EXPECT_EQ(block.Data()[0], 0xFE);
   EXPECT_EQ(block.Data()[39 * 8 + 7], 0x7F);
 }

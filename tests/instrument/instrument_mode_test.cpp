@@ -18,20 +18,14 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-BLOCK& BlockAt(CInstrumentFixture& fixture, int index) {
-  BLOCK* block = nullptr;
-  EXPECT_EQ(fixture.Blocks().GetBlock(index, &block), S_OK);
-  return *block;
-}
-
 // A level for every place that is the same function of module, pod, bit and vector in both modes.
 bool Level(int module, int pod, int bit, int vector) {
   return (module * 7 + pod * 5 + bit * 3 + vector * 11 + vector / 13) % 4 == 0;
 }
 
 void Paint(CInstrumentFixture& fixture, int block, int podChannels) {
-  const int channels = BlockAt(fixture, block).GetBlockWidth();
-  for (int vector = 0; vector < BlockAt(fixture, block).GetBlockSize(); ++vector) {
+  const int channels = fixture.BlockAt(block).GetBlockWidth();
+  for (int vector = 0; vector < fixture.BlockAt(block).GetBlockSize(); ++vector) {
     for (int c = 0; c < channels; ++c) {
       ASSERT_EQ(fixture.Instrument().SetChannelData(
                     c, block, vector,
@@ -43,8 +37,8 @@ void Paint(CInstrumentFixture& fixture, int block, int podChannels) {
 
 // Bits 0 to 7 of every pod are as painted for vectors below `painted`, all else is `fill`.
 void ExpectRelaid(CInstrumentFixture& fixture, int block, int podChannels, int painted, int fill) {
-  const int channels = BlockAt(fixture, block).GetBlockWidth();
-  for (int vector = 0; vector < BlockAt(fixture, block).GetBlockSize(); ++vector) {
+  const int channels = fixture.BlockAt(block).GetBlockWidth();
+  for (int vector = 0; vector < fixture.BlockAt(block).GetBlockSize(); ++vector) {
     for (int c = 0; c < channels; ++c) {
       const int bit = c % podChannels;
       int level = -1;
@@ -64,23 +58,23 @@ TEST(InstrumentMode, AChangeRelaysEveryBlock) {
   ASSERT_EQ(fixture.Blocks().AddBlock("Long", 100), S_OK);
   Paint(fixture, 0, 16);
   Paint(fixture, 1, 16);
-  (void)BlockAt(fixture, 1).SetChanged(0);
+  (void)fixture.BlockAt(1).SetChanged(0);
   (void)fixture.Blocks().SetModified(0);
   (void)fixture.Handler().Take();
 
   ASSERT_EQ(instrument.SetChannelMode(ChannelMode::Half), S_OK);
-  EXPECT_EQ(BlockAt(fixture, 0).GetBlockSize(), 80) << "grown to the smallest size";
-  EXPECT_EQ(BlockAt(fixture, 0).GetListingState().secondReference, 80);
-  EXPECT_EQ(BlockAt(fixture, 1).GetBlockSize(), 100);
-  EXPECT_EQ(BlockAt(fixture, 1).GetBlockWidth(), 64);
-  EXPECT_TRUE(BlockAt(fixture, 1).IsChanged());
+  EXPECT_EQ(fixture.BlockAt(0).GetBlockSize(), 80) << "grown to the smallest size";
+  EXPECT_EQ(fixture.BlockAt(0).GetListingState().secondReference, 80);
+  EXPECT_EQ(fixture.BlockAt(1).GetBlockSize(), 100);
+  EXPECT_EQ(fixture.BlockAt(1).GetBlockWidth(), 64);
+  EXPECT_TRUE(fixture.BlockAt(1).IsChanged());
   EXPECT_EQ(fixture.Blocks().IsModified(), 1);
   ExpectRelaid(fixture, 0, 8, 40, 0);
   ExpectRelaid(fixture, 1, 8, 100, 0);
 
   ASSERT_EQ(fixture.Server().SetDefaultChannelValue('1'), S_OK);
   ASSERT_EQ(instrument.SetChannelMode(ChannelMode::Full), S_OK);
-  EXPECT_EQ(BlockAt(fixture, 1).GetBlockWidth(), 128);
+  EXPECT_EQ(fixture.BlockAt(1).GetBlockWidth(), 128);
   ExpectRelaid(fixture, 1, 16, 100, 1);
   EXPECT_THAT(fixture.Handler().Take(), IsEmpty());
 }
@@ -92,7 +86,7 @@ TEST(InstrumentMode, BlocksOfAnotherWidthAreRelaidAsFarAsTheyReach) {
   Paint(fixture, 0, 16);
   ASSERT_EQ(instrument.AddModule(&fixture.Module(0)), S_OK);  // the block keeps its 64 channels
   ASSERT_EQ(instrument.SetChannelMode(ChannelMode::Half), S_OK);
-  EXPECT_EQ(BlockAt(fixture, 0).GetBlockWidth(), 64);
+  EXPECT_EQ(fixture.BlockAt(0).GetBlockWidth(), 64);
   int level = -1;
   EXPECT_EQ(instrument.GetChannelData(0, 0, 0, level), S_OK);
   EXPECT_EQ(level, 1);
@@ -116,7 +110,7 @@ TEST(InstrumentMode, GroupsAndRowsFollowTheirChannels) {
   ASSERT_EQ(instrument.SetChannelMode(ChannelMode::Half), S_OK);
   EXPECT_THAT(group->Channels(), ElementsAre(32 + 2 * 8 + 7, 10));
   EXPECT_EQ(group->GetChannelNames(), "2C0(7),1B0(2)");
-  CWaveformManager& rows = *BlockAt(fixture, 0).GetWaveformManager();
+  CWaveformManager& rows = *fixture.BlockAt(0).GetWaveformManager();
   EXPECT_EQ(Ask(rows, &CWaveformManager::GetNoOfRows), 4)
       << "the group, its two channels, the inhibit control";
   const int channel = Ask(instrument, &CInstrument::GetInhibitControlAt, 0);
@@ -133,14 +127,14 @@ TEST(InstrumentMode, TheStoredModeIsSentAndChangesNothing) {
   CInstrumentFixture fixture;
   CInstrument& instrument = fixture.Instrument();
   (void)fixture.Blocks().SetModified(0);
-  const std::uint8_t* data = BlockAt(fixture, 0).Data();
+  const std::uint8_t* data = fixture.BlockAt(0).Data();
   fixture.Simulation().LogCalls(true);
   EXPECT_EQ(instrument.SetChannelMode(ChannelMode::Full), S_OK);
   EXPECT_THAT(fixture.Simulation().TakeCalls(), ElementsAre("0 SetChannelMode(1)"));
   fixture.Simulation().FailCall("SetChannelMode");
   EXPECT_EQ(instrument.SetChannelMode(ChannelMode::Half), E_FAIL);
-  EXPECT_EQ(BlockAt(fixture, 0).Data(), data);
-  EXPECT_EQ(BlockAt(fixture, 0).GetBlockWidth(), 64);
+  EXPECT_EQ(fixture.BlockAt(0).Data(), data);
+  EXPECT_EQ(fixture.BlockAt(0).GetBlockWidth(), 64);
   EXPECT_EQ(fixture.Blocks().IsModified(), 0);
 }
 

@@ -108,10 +108,9 @@ TEST(Instrument, DefaultBringsEverythingButTheNameBack) {
   EXPECT_EQ(Ask(fixture.Blocks(), &CBlockManager::GetNoOfBlocks), 1);
   EXPECT_EQ(Ask(fixture.SubSequences(), &CSubSequenceManager::GetNoOfSubSequences), 0);
   EXPECT_EQ(Ask(fixture.Events(), &CEventManager::GetNoOfEvents), 0);
-  BLOCK* block = nullptr;
-  (void)fixture.Blocks().GetBlock(0, &block);
-  EXPECT_EQ(block->GetBlockWidth(), 64);
-  EXPECT_THAT(StateNames(*block), ElementsAre("UserGrp1", "UserGrp2", "UserGrp3", "UserGrp4"));
+  const BLOCK& block = fixture.BlockAt(0);
+  EXPECT_EQ(block.GetBlockWidth(), 64);
+  EXPECT_THAT(StateNames(block), ElementsAre("UserGrp1", "UserGrp2", "UserGrp3", "UserGrp4"));
 }
 
 TEST(Instrument, ResetSendsTheStoredSettingsAndKeepsTheProgram) {
@@ -145,8 +144,7 @@ TEST(Instrument, RenamingMindsTheCase) {
 TEST(Instrument, ListingStatesFollowTheGroupsInTheirOwnOrder) {
   CInstrumentFixture fixture;
   CInstrument& instrument = fixture.Instrument();
-  BLOCK* block = nullptr;
-  ASSERT_EQ(fixture.Blocks().GetBlock(0, &block), S_OK);
+  BLOCK& block = fixture.BlockAt(0);
   (void)fixture.Groups().DeleteAll();  // silent: the states stay
   ASSERT_EQ(fixture.Server().SetDefaultRadix(Radix::Octal), S_OK);
   for (const char* name : {"New", "usergrp3", "UserGrp1"}) {
@@ -154,22 +152,22 @@ TEST(Instrument, ListingStatesFollowTheGroupsInTheirOwnOrder) {
   }
   ASSERT_EQ(fixture.Groups().InsertGroup(0, ""), S_OK);
   ASSERT_EQ(fixture.Groups().InsertGroup(9, "Late"), S_OK);  // beyond empty slots
-  EXPECT_THAT(StateNames(*block), ElementsAre("New", "usergrp3", "UserGrp1", "", "Late"));
+  EXPECT_THAT(StateNames(block), ElementsAre("New", "usergrp3", "UserGrp1", "", "Late"));
   GROUP_STATE* state = nullptr;
-  ASSERT_TRUE(block->GetGroupState(0, &state));
+  ASSERT_TRUE(block.GetGroupState(0, &state));
   EXPECT_EQ(state->GetRadix(), Radix::Octal);
 
   // A block that missed it all: kept states keep their place and their settings.
-  (void)block->GetListingState().DeleteAll();
+  (void)block.GetListingState().DeleteAll();
   for (const char* name : {"Gone", "Late", "NEW"}) {
     auto kept = std::make_unique<GROUP_STATE>();
     (void)kept->Initialize(Radix::Binary, 7, name);
     (void)kept->SetDisplayValue2(0);
-    ASSERT_EQ(block->AddGroupState(std::move(kept)), S_OK);
+    ASSERT_EQ(block.AddGroupState(std::move(kept)), S_OK);
   }
   EXPECT_EQ(instrument.UpdateListingState(), S_OK);
-  EXPECT_THAT(StateNames(*block), ElementsAre("Late", "NEW", "", "usergrp3", "UserGrp1"));
-  ASSERT_TRUE(block->GetGroupState(1, &state));
+  EXPECT_THAT(StateNames(block), ElementsAre("Late", "NEW", "", "usergrp3", "UserGrp1"));
+  ASSERT_TRUE(block.GetGroupState(1, &state));
   EXPECT_EQ(state->GetRadix(), Radix::Binary);
   EXPECT_EQ(state->GetDisplayValue2(), 0);
   EXPECT_EQ(instrument.MakeAllGroupsVisible(), S_OK);

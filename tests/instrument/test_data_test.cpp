@@ -21,12 +21,6 @@ namespace {
 
 using Words = std::vector<std::uint64_t>;
 
-BLOCK& BlockAt(CInstrumentFixture& engine, int index) {
-  BLOCK* block = nullptr;
-  (void)engine.Blocks().GetBlock(index, &block);
-  return *block;
-}
-
 // Blocks, sequence lines, subsequences, events.
 using COUNTS = std::array<int, 4>;
 
@@ -83,7 +77,7 @@ TEST(TestData, WalkingOnesReachEveryChannel) {
     ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::WalkingOnes), S_OK);
     const int perModule = row.mode == ChannelMode::Full ? 64 : 32;
     const int channels = perModule * row.modules;
-    EXPECT_EQ(BlockAt(engine, 0).GetBlockSize(), channels);
+    EXPECT_EQ(engine.BlockAt(0).GetBlockSize(), channels);
     EXPECT_EQ(engine.Handler().Take(), std::vector<std::string>{"OnBlockResized(Block,0)"});
     EXPECT_EQ(engine.Host().cursorDepth, 0);
     if (!row.compiles) {
@@ -151,7 +145,7 @@ TEST(TestData, CellsAreBlocksAlone) {
     CProgramBuilder(engine.Instrument()).Block("Old").Sub("s", {}).Event("e", {}).Line({"Block3"});
     ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::Cell), S_OK);
     EXPECT_EQ(CountsOf(engine), (COUNTS{count, 1, 1, 1}));
-    BLOCK& last = BlockAt(engine, count - 1);
+    BLOCK& last = engine.BlockAt(count - 1);
     EXPECT_EQ(last.GetBlockName(), "Block" + std::to_string(count - 1));
     EXPECT_EQ(last.GetBlockSize(), smallest + count - 1);
     EXPECT_EQ(last.Data()[last.RowBytes() * 39], 39);
@@ -166,7 +160,7 @@ TEST(TestData, TheMostBlocksExceedTheMemory) {
     (void)engine.Instrument().SetChannelMode(mode);
     ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::MaxBlocks), S_OK);
     EXPECT_EQ(CountsOf(engine), (COUNTS{4000, 4000, 0, 0}));
-    BLOCK& last = BlockAt(engine, 3999);
+    BLOCK& last = engine.BlockAt(3999);
     EXPECT_EQ(last.GetBlockSize(), size);
     const std::uint8_t* row = last.Data() + last.RowBytes() * static_cast<std::size_t>(size - 1);
     EXPECT_EQ(row[0] | row[1] << 8 | row[2] << 16, 3999);

@@ -4,6 +4,7 @@
 #include "hardware/module_manager.h"
 #include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
+#include "program/block_manager.h"
 #include "program/program_view.h"
 #include "quillpg/app_server.h"
 
@@ -59,6 +60,11 @@ CGroupManager& CInstrumentFixture::Groups() {
   return *groups;
 }
 CBlockManager& CInstrumentFixture::Blocks() { return *CProgramView(*m_instrument).Blocks(); }
+BLOCK& CInstrumentFixture::BlockAt(int index) {
+  BLOCK* block = nullptr;
+  (void)Blocks().GetBlock(index, &block);
+  return *block;
+}
 CSequenceManager& CInstrumentFixture::Sequence() { return *CProgramView(*m_instrument).Sequence(); }
 CSubSequenceManager& CInstrumentFixture::SubSequences() {
   return *CProgramView(*m_instrument).SubSequences();

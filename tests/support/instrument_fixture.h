@@ -19,6 +19,7 @@ class CInstrumentManager;
 class CModule;
 class CSequenceManager;
 class CSubSequenceManager;
+struct BLOCK;
 
 /// A fresh engine: scripted host, simulated mainframe, server, router. Takes its server down at its
 /// end, so that tests hold in one process and in any order.
@@ -55,6 +56,7 @@ class CInstrumentFixture : public CEngineFixture {
   CRecordingEventHandler& Handler() { return m_handler; }
   CGroupManager& Groups();
   CBlockManager& Blocks();
+  BLOCK& BlockAt(int index);  ///< must be there
   CSequenceManager& Sequence();
   CSubSequenceManager& SubSequences();
   CEventManager& Events();
