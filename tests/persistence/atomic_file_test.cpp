@@ -1,13 +1,13 @@
 #include "persistence/atomic_file.h"
 
 #include "support/temporary_folder.h"
-#include "support/unprivileged.h"
 
 #include <gtest/gtest.h>
 
 #include <string_view>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace quillpg {
 namespace {
@@ -28,6 +28,13 @@ Status Save(const std::string& path, std::string_view text) {
   if (const Status status = file.Write(Bytes(text)); status != S_OK) return status;
   return file.Commit();
 }
+
+// Gives up the superuser's rights while it lives: to him no file is read-only.
+struct CUnprivileged {
+  CUnprivileged() { (void)!seteuid(m_was == 0 ? 65534 : m_was); }
+  ~CUnprivileged() { (void)!seteuid(m_was); }
+  const uid_t m_was = geteuid();
+};
 
 TEST(AtomicFile, TargetChangesWithCommitAlone) {
   const CTemporaryFolder folder;
