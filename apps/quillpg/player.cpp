@@ -62,7 +62,9 @@ PlayResult CPlayer::Play(const PLAY_LIMITS& limits) {
     if (end == PlayEnd::Idle) return PlayResult::Idle;
     if (end != PlayEnd::Waiting) return std::nullopt;
     if (!limits.holdWaits) return PlayResult::Waiting;
-    if (Failed(m_simulation.Clock(slice))) return PlayResult::Failed;
+    // The slice was played in part before the wait came.
+    const std::int64_t rest = std::min(limits.vectors - Clocked(), kSlice);
+    if (Failed(m_simulation.Clock(rest))) return PlayResult::Failed;
     return std::nullopt;
   });
 }
@@ -74,7 +76,7 @@ PlayResult CPlayer::PlayStepwise(const PLAY_LIMITS& limits, int step) {
     const int steps = static_cast<int>(std::min<std::int64_t>(left, step));
     ForEachInstrument(m_server, [&](int i, CInstrument&) { (void)m_server.Step(i, steps); });
     if (AllIdle()) return PlayResult::Idle;
-    if (!limits.holdWaits && WaitsForGood(limits)) return PlayResult::Waiting;
+    if (!limits.holdWaits && WaitsForGood()) return PlayResult::Waiting;
     return std::nullopt;
   });
 }
@@ -98,14 +100,14 @@ bool CPlayer::AllIdle() const {
   return true;
 }
 
-/// True when every module that is not idle waits and no event input changes any more.
-bool CPlayer::WaitsForGood(const PLAY_LIMITS& limits) const {
+/// True when every module that is not idle waits for what cannot come any more.
+bool CPlayer::WaitsForGood() const {
   bool waits = false;
   for (int i = 0; i < m_simulation.ModuleCount(); ++i) {
     SEQUENCER_POSITION position;
     if (m_simulation.GetSequencer(i, position) != S_OK) continue;
     if (position.state == ModuleState::Idle) continue;
-    if (position.event == 0 || position.clocked <= limits.lastStimulus) return false;
+    if (!position.stuck) return false;
     waits = true;
   }
   return waits;

@@ -21,9 +21,8 @@ enum class PlayResult {
 
 /// How long a play may last.
 struct PLAY_LIMITS {
-  std::int64_t vectors;            ///< at most so many
-  bool holdWaits = false;          ///< run on through a wait that nothing to come can end
-  std::int64_t lastStimulus = -1;  ///< last vector at which an event input changes
+  std::int64_t vectors;    ///< at most so many
+  bool holdWaits = false;  ///< run on through a wait that nothing to come can end
 };
 
 /// Starts the server's instruments and moves the clock of the simulated mainframe.
@@ -44,7 +43,7 @@ class CPlayer {
   template <typename Advance>
   PlayResult Run(const PLAY_LIMITS& limits, Advance advance);
   bool AllIdle() const;
-  bool WaitsForGood(const PLAY_LIMITS& limits) const;
+  bool WaitsForGood() const;
 
   CAppServer& m_server;
   CSimulationControl& m_simulation;

@@ -145,8 +145,7 @@ class CRun {
   PlayResult Play() {
     if (Failed(m_session.Simulation().SetStimulus(m_stimulus))) return PlayResult::Failed;
     PLAY_LIMITS limits{.vectors = m_file.Length().value_or(kUnlimitedVectors),
-                       .holdWaits = m_options.maxVectors.has_value(),
-                       .lastStimulus = m_stimulus.empty() ? -1 : m_stimulus.back().vector};
+                       .holdWaits = m_options.maxVectors.has_value()};
     if (m_options.maxVectors) {
       limits.vectors = m_file.Length() ? std::min(*m_file.Length(), *m_options.maxVectors)
                                        : *m_options.maxVectors;

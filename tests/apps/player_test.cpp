@@ -31,8 +31,8 @@ const ROW kRows[] = {
     {"cut by the limit", 3, false, -1, {.vectors = 119}, Limit, 119},
     {"endless", 0, false, -1, {.vectors = 500'000}, Limit, 500'000},
     {"one vector", 0, false, -1, {.vectors = 1}, Limit, 1},
-    {"waits, then plays", 1, true, 50, {.vectors = 1000, .lastStimulus = 50}, Idle, 90},
-    {"waits past limit", 1, true, 50, {.vectors = 30, .lastStimulus = 50}, Limit, 30},
+    {"waits, then plays", 1, true, 50, {.vectors = 1000}, Idle, 90},
+    {"waits past limit", 1, true, 50, {.vectors = 30}, Limit, 30},
     {"holds a wait", 1, true, -1, {.vectors = 9'000, .holdWaits = true}, Limit, 9'000},
 };
 
@@ -77,16 +77,29 @@ TEST(Player, EndsAsTheProgramOrTheLimitSays) {
 }
 
 TEST(Player, AWaitForGoodEndsThePlayAtOnce) {
-  // Nothing is clocked for a wait without stimulus; stepwise one step shows that it waits.
-  for (const bool stepwise : {false, true}) {
-    for (const std::int64_t lastStimulus : {-1, 20}) {
-      const ROW row{"", 1, true, -1, {.vectors = 1000, .lastStimulus = lastStimulus}, {}, 0};
-      CPlayerFixture fixture(row);
-      CPlayer player = fixture.Player();
-      EXPECT_EQ(Waiting, stepwise ? player.PlayStepwise(row.limits, 5) : player.Play(row.limits));
-      EXPECT_EQ(stepwise ? (lastStimulus < 0 ? 5 : 25) : 0, player.Clocked());
-    }
+  const ROW row{"", 1, true, -1, {.vectors = 1000}, {}, 0};
+  for (const int step : {0, 5}) {  // one step shows that it waits
+    CPlayerFixture fixture(row);
+    (void)fixture.Simulation().SetStimulus({{20, "100000000"}});  // not what it waits for
+    CPlayer player = fixture.Player();
+    EXPECT_EQ(Waiting, step == 0 ? player.Play(row.limits) : player.PlayStepwise(row.limits, step));
+    EXPECT_EQ(step, player.Clocked());
   }
+}
+
+TEST(Player, HoldsAWaitThatComesLaterNoLongerThanTheLimit) {
+  CPlayerFixture fixture({"", 2, false, -1, {}, {}, 0});
+  SEQUENCE_LINE* first = nullptr;
+  ASSERT_EQ(S_OK, fixture.Sequence().GetSequenceLine(0, &first));
+  auto second = std::make_unique<SEQUENCE_LINE>();
+  (void)second->SetOutput(first->GetOutput());
+  (void)second->SetWaitFor("Go");
+  ASSERT_EQ(S_OK, fixture.Sequence().InsertLine(1, std::move(second)));
+  ASSERT_EQ(S_OK, fixture.Server().Compile());
+  ASSERT_EQ(S_OK, fixture.Server().Download());
+  CPlayer player = fixture.Player();
+  EXPECT_EQ(Limit, player.Play({.vectors = 1000, .holdWaits = true}));
+  EXPECT_EQ(1000, player.Clocked());
 }
 
 }  // namespace

@@ -116,7 +116,8 @@ Status CSimulationControl::GetSequencer(int module, SEQUENCER_POSITION& position
   CSimulatedModule* asked = m_system.Modules().At(module);
   if (!asked) return E_FAIL;
   const CSequencer& sequencer = m_clock.MasterOf(*asked).Sequencer();
-  position = {sequencer.State(), sequencer.Line(), sequencer.AwaitedEvent(), sequencer.Clocked()};
+  position = {sequencer.State(), sequencer.Line(), sequencer.AwaitedEvent(), sequencer.IsStuck(),
+              sequencer.Clocked()};
   return S_OK;
 }
 

@@ -35,6 +35,7 @@ struct SEQUENCER_POSITION {
   ModuleState state = ModuleState::Idle;
   int line = -1;             ///< sequence line that plays or waits; -1 when idle
   int event = 0;             ///< number of the event that the line waits for; 0 when it does not
+  bool stuck = false;        ///< it waits, and no stimulus line to come can make the event true
   std::int64_t clocked = 0;  ///< vectors clocked since Start
 };
 
