@@ -61,8 +61,11 @@ MODE_NEED NeedOf(const CAPTURE& capture, const SAMPLE_GRID& grid, ChannelMode mo
     need.refusal = "a period of " + FormatPeriod(grid.period) + ", which it cannot clock";
   } else {
     const CCaptureFolding folding(LimitsOf(mode).minBlockSize, GranularityOf(mode));
-    if (Failed(folding.Fold(capture, grid, need.program))) {
+    const Status status = folding.Fold(capture, grid, need.program);
+    if (status == PG_E_LIMIT) {
       need.refusal = CountText(MAX_SEQUENCE_LINES, " sequence lines do not suffice");
+    } else if (Failed(status)) {
+      need.refusal = "more memory than this computer has";
     } else {
       need.isPlayable = true;
       need.refusal = CountText(need.program.memory, " vectors of memory, of ") +

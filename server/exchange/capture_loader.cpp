@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -170,14 +171,15 @@ std::vector<std::string> GroupNamesOf(const std::vector<CAPTURE_SIGNAL>& signals
   std::unordered_set<std::string> own;  // a number must not make a later signal's name
   for (const CAPTURE_SIGNAL& signal : signals) own.insert(FoldCase(signal.name));
   std::unordered_set<std::string> used;
+  std::unordered_map<std::string, int> lastNumber;  // aliases come by the thousand
   std::vector<std::string> names;
   for (const CAPTURE_SIGNAL& signal : signals) {
     std::string name = signal.name;
-    int number = name.empty() ? 1 : 2;
+    int& last = lastNumber.try_emplace(FoldCase(name), name.empty() ? 0 : 1).first->second;
     while (name.empty() || !used.insert(FoldCase(name)).second) {
       do {
         name = signal.name + "_";
-        AppendNumber(name, number++);
+        AppendNumber(name, ++last);
       } while (own.contains(FoldCase(name)));
     }
     names.push_back(name);

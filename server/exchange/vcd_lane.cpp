@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -16,6 +17,7 @@ constexpr std::size_t kTokenSize = sizeof(std::uint64_t);
 constexpr std::size_t kStampSize = CStampText::MAX_LENGTH;
 constexpr int kLineBits = 16;
 constexpr int kMixedLengths = -1;
+constexpr std::int64_t kMostTicks = std::numeric_limits<std::int64_t>::max() / 4 * 3;  // of a stamp
 
 char* Put(char* to, std::string_view text) {
   std::memcpy(to, text.data(), text.size());
@@ -49,6 +51,7 @@ CVcdLane::CVcdLane(CVcdOutput output, int module, RATIO period, std::vector<VCD_
       m_variables(std::move(variables)),
       m_lineId(std::move(lineId)),
       m_signalId(std::move(signalId)),
+      m_mostVectors(kMostTicks / (period.numerator / period.denominator + 1)),
       m_ticks(period) {
   PrepareWords();
 }
@@ -95,6 +98,8 @@ void CVcdLane::Write(const VECTOR_RUN& run) {
   if (run.count <= 0) return;
   // Words of modules that the sequencer does not drive stay 0.
   m_drivenWords = std::min(m_levels.size(), static_cast<std::size_t>(run.moduleCount));
+  if (run.count > (m_mostVectors - m_vectors) / run.repeat) m_runsOver = true;
+  if (m_runsOver) return;
   WriteAnnotations(run);
   // Equal rows bring no change: a repeated single row is written once.
   const std::int64_t passes = run.count == 1 ? 1 : run.repeat;
@@ -282,7 +287,7 @@ bool CVcdLane::Finish() {
   } else {
     m_output.Advance(WriteStamp(m_output.Room(kStampSize), m_vectors));
   }
-  return m_output.Finish();
+  return m_output.Finish() && !m_runsOver;
 }
 
 }  // namespace quillpg

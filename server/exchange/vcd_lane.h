@@ -30,7 +30,8 @@ class CVcdLane {
 
   int Module() const { return m_module; }
   void Write(const VECTOR_RUN& run);
-  /// Closing stamp, one period after the last vector; false when something was not written.
+  /// Closing stamp, one period after the last vector; false when something was not written,
+  /// be it for want of stamps.
   bool Finish();
   CVcdOutput& Output() { return m_output; }
 
@@ -60,6 +61,8 @@ class CVcdLane {
   std::vector<VCD_VARIABLE> m_variables;
   std::string m_lineId;
   std::string m_signalId;
+  std::int64_t m_mostVectors;  // whose stamps fit into 63 bits
+  bool m_runsOver = false;     // there were more
 
   std::vector<TOKEN> m_tokens;               // by row bit
   std::vector<std::uint8_t> m_tokenLengths;  // by row bit; 0: no plain scalar

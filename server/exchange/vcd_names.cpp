@@ -16,9 +16,10 @@ std::string MakeVcdName(std::string_view wanted) {
 std::string CVcdNames::Claim(std::string_view wanted) {
   const std::string base = MakeVcdName(wanted);
   std::string name = base;
-  for (int n = 2; m_taken.contains(name); ++n) {
+  // Twins by the thousand must not be counted through from 2 each time.
+  for (int& last = m_lastNumber.try_emplace(base, 1).first->second; m_taken.contains(name);) {
     name = base + '_';
-    AppendNumber(name, n);
+    AppendNumber(name, ++last);
   }
   m_taken.insert(name);
   return name;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -13,7 +14,8 @@ class CVcdNames {
   std::string Claim(std::string_view wanted);
 
  private:
-  std::set<std::string, std::less<>> m_taken;
+  std::set<std::string> m_taken;
+  std::map<std::string, int> m_lastNumber;  // behind the name, by what was wanted
 };
 
 /// The name with every blank and unprintable byte replaced by "_"; a name that a reader would take

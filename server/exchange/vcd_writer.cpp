@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <set>
@@ -22,14 +23,26 @@ namespace quillpg {
 namespace {
 
 constexpr int kWholeSecond = 0;
+// Ticks of a period: the stamps of 16 million vectors fit into 63 bits then.
+constexpr std::int64_t kMostTicks = std::int64_t{1} << 38;
 
-// The coarsest tick of which every period is a whole multiple, else the finest one that an
-// instrument asks for, else 1 fs.
+// The tick on which the stamps of a period are rounded that is no whole multiple of one: the one
+// asked for, else the finest that is fit.
+int RoundedTick(const VCD_INSTRUMENT& instrument) {
+  int tick = instrument.tickExponent;
+  if (tick < 0 && tick >= VCD_FINEST_TICK) return tick;
+  tick = VCD_FINEST_TICK;
+  while (instrument.period.ToDouble() * std::pow(10.0, -tick) > kMostTicks) ++tick;
+  return tick;
+}
+
+// The coarsest tick of which every period is a whole multiple, else the finest of those on which
+// the periods are rounded.
 int ChooseTick(const std::vector<VCD_INSTRUMENT>& instruments) {
   const auto holdsAll = [&instruments](int exponent) {
     return std::ranges::all_of(instruments, [exponent](const VCD_INSTRUMENT& instrument) {
       const RATIO ticks = ScaleByPowerOfTen(instrument.period, -exponent);
-      return ticks.IsSet() && ticks.denominator == 1;
+      return ticks.IsSet() && ticks.denominator == 1 && ticks.numerator <= kMostTicks;
     });
   };
   for (int exponent = VCD_COARSEST_TICK; exponent >= VCD_FINEST_TICK; --exponent) {
@@ -37,8 +50,7 @@ int ChooseTick(const std::vector<VCD_INSTRUMENT>& instruments) {
   }
   int tick = kWholeSecond;
   for (const VCD_INSTRUMENT& instrument : instruments) {
-    const int asked = instrument.tickExponent;
-    tick = std::min(tick, asked < 0 && asked >= VCD_FINEST_TICK ? asked : VCD_FINEST_TICK);
+    tick = std::min(tick, RoundedTick(instrument));
   }
   return tick;
 }
@@ -272,7 +284,8 @@ Status CVcdWriter::Commit() {
   bool good = true;
   for (const auto& lane : m_lanes) good = lane->Finish() && good;
   if (good && m_lanes.size() > 1) good = MergeLanes() == S_OK;
-  if (!good) return Fail(E_FAIL, m_path + ": could not be written; is the disk full?");
+  if (!good)
+    return Fail(E_FAIL, m_path + ": could not be written: the disk is full, or time runs over");
   if (!m_path.empty() && !m_direct) {
     std::error_code error;
     std::filesystem::rename(m_parts.front(), m_path, error);

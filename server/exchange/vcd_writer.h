@@ -29,7 +29,7 @@ struct VCD_INSTRUMENT {
   int channelsPerModule = 64;
   RATIO period;  ///< seconds
   /// Exponent of the tick on which stamps are rounded when no power of ten holds the period
-  /// exactly; 0: the finest tick, 1 fs.
+  /// exactly; 0: the finest one that leaves room for long plays.
   int tickExponent = 0;
   std::vector<VCD_SIGNAL> signals;
 };

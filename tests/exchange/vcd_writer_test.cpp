@@ -99,6 +99,7 @@ TEST(VcdWriter, TakesTheCoarsestTimescaleThatHoldsThePeriod) {
       {{1, 24000000}, -10, "100 ps", "#1250"},
       {{1, 24000000}, 0, "1 fs", "#125000000"},
       {{200, 1}, 0, "100 s", "#6"},
+      {PeriodFromSeconds(1.0 / 1500), 0, "10 fs", "#200000000000"},  // room for long plays
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.timescale);
@@ -108,6 +109,20 @@ TEST(VcdWriter, TakesTheCoarsestTimescaleThatHoldsThePeriod) {
     EXPECT_NE(text.find(std::string("$timescale ") + row.timescale + " $end"), std::string::npos)
         << text;
     EXPECT_TRUE(text.ends_with(std::string(row.end) + "\n")) << text;
+  }
+}
+
+TEST(VcdWriter, RefusesAPlayWhoseStampsRunOver) {
+  for (const std::int64_t vectors : {std::int64_t{1} << 22, std::int64_t{1} << 25}) {
+    std::string text;
+    CVcdWriter writer;
+    ASSERT_EQ(
+        writer.OpenText(
+            text, MakeInstrument({{"A", "", {0}}}, {274'877'906'943, 1'000'000'000'000'000}), {}),
+        S_OK);
+    Play(writer, {0}, vectors);
+    Play(writer, {1}, vectors);
+    EXPECT_EQ(writer.Commit(), vectors < 1 << 24 ? S_OK : E_FAIL);
   }
 }
 
