@@ -25,6 +25,11 @@ class ToolTest(unittest.TestCase):
         return subprocess.run([TOOL, *map(str, arguments)], cwd=self.folder, timeout=120, text=True,
                               stdin=subprocess.DEVNULL, capture_output=True, **options)
 
+    def run_good(self, *arguments):
+        done = self.run_tool(*arguments)
+        self.assertEqual((0, ""), (done.returncode, done.stderr))
+        return done
+
     def write(self, name, text):
         path = self.folder / name
         path.write_bytes(text if isinstance(text, bytes) else text.encode("latin-1"))

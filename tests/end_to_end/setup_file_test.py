@@ -13,12 +13,10 @@ class Convert(ToolTest):
         capture = CAPTURES / "uart_text.vcd"
         for options, out in (([], "system.pgs"), (["--instrument", "pg 1"], "module.pgs")):
             with self.subTest(out=out):
-                done = self.run_tool("convert", capture, out, *options)
-                self.assertEqual((0, ""), (done.returncode, done.stderr))
+                self.run_good("convert", capture, out, *options)
                 length = vcd.Vcd(capture).samples(1_000_000, {})[1]
                 for source, pins in ((capture, "from_capture.vcd"), (out, "from_setup.vcd")):
-                    done = self.run_tool("run", source, "--vcd", pins, "--max-vectors", length)
-                    self.assertEqual((0, ""), (done.returncode, done.stderr))
+                    self.run_good("run", source, "--vcd", pins, "--max-vectors", length)
                 dumps = [(self.folder / name).read_text().split("$enddefinitions $end")[1]
                          for name in ("from_capture.vcd", "from_setup.vcd")]
                 self.assertEqual(*dumps)
@@ -59,9 +57,7 @@ class Convert(ToolTest):
 class Look(ToolTest):
     def test_info_and_dump_tell_the_same_file(self):
         source = REFERENCES / "two_modules_half.pgs"
-        info = self.run_tool("info", source)
-        self.assertEqual((0, ""), (info.returncode, info.stderr))
-        self.assertIn("2 modules, HALF", info.stdout)
+        self.assertIn("2 modules, HALF", self.run_good("info", source).stdout)
         dump = self.run_tool("dump", source).stdout.splitlines()
         self.assertTrue(dump[0].startswith("00000000 "), dump[0])
         ends = 0
@@ -77,10 +73,9 @@ class Make(ToolTest):
         for kind, half in (("max-events", False), ("max-subsequences", False), ("max-block-size", True)):
             with self.subTest(kind=kind):
                 options = ["--half"] if half else []
-                self.assertEqual(0, self.run_tool("testdata", kind, "test.pgs", *options).returncode)
-                self.assertEqual(0, self.run_tool("check", "test.pgs").returncode)
-                done = self.run_tool("run", "test.pgs", "--vcd", "pins.vcd", "--max-vectors", 500)
-                self.assertEqual((0, ""), (done.returncode, done.stderr))
+                self.run_good("testdata", kind, "test.pgs", *options)
+                self.run_good("check", "test.pgs")
+                self.run_good("run", "test.pgs", "--vcd", "pins.vcd", "--max-vectors", 500)
 
     def test_a_program_of_events_never_waits_in_vain(self):
         self.run_tool("testdata", "max-events", "test.pgs")

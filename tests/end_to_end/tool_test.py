@@ -19,24 +19,18 @@ class Usage(ToolTest):
         ([], 2, "modules"),
         (["--help"], 0, "modules"),
         (["run", "--help"], 0, "--max-vectors"),
-        (["check", "--help"], 0, "FILE"),
-        (["modules", "--help"], 0, "modules"),
         (["--version"], 0, "quillpg 1."),
         (["play"], 2, "play"),
         (["run"], 2, "FILE"),
         (["run", "clock.vcd", "more.vcd"], 2, "more.vcd"),
-        (["run", "clock.vcd", "--max-vectors", "0"], 2, "max-vectors"),
         (["run", "clock.vcd", "--max-vectors", "9223372036854775808"], 2, "max-vectors"),
-        (["run", "clock.vcd", "--step", "0"], 2, "step"),
         (["run", "clock.vcd", "--step", "2147483648"], 2, "step"),
         (["run", "clock.vcd", "--period", "soon"], 2, "soon"),
-        (["run", "clock.vcd", "--period", "-1us"], 2, "1us"),
         (["run", "clock.vcd", "--period", "3s"], 2, "--period"),  # above the clock's range
         (["run", "clock.vcd", "--stimulus", "none.txt"], 2, "none.txt"),
         (["check", "clock.vcd", "--vcd", "x"], 2, "--vcd"),
         (["run", "none.vcd"], 2, "none.vcd"),
         (["run", "."], 2, "folder"),
-        (["check", "none.vcd"], 2, "none.vcd"),
     ]
 
     def test_exit_status_and_word(self):
@@ -72,14 +66,6 @@ class Outputs(ToolTest):
         self.assertEqual(2, done.returncode)
         self.assertIn("standard output", done.stderr)
 
-    def test_a_refused_capture_leaves_the_old_output(self):
-        self.write("bad.vcd", CLOCK.replace("$enddefinitions $end", ""))
-        self.write("pins.vcd", "kept")
-        done = self.run_tool("run", "bad.vcd", "--vcd", "pins.vcd", "--trace", "calls")
-        self.assertEqual(2, done.returncode)
-        self.assertEqual(["bad.vcd", "pins.vcd"], self.files())
-        self.assertEqual("kept", (self.folder / "pins.vcd").read_text())
-
     def test_a_link_stays_a_link(self):
         self.write("clock.vcd", CLOCK)
         self.write("real", "")
@@ -95,50 +81,32 @@ class Outputs(ToolTest):
 class Inputs(ToolTest):
     HEAD = "$timescale 1us $end $var wire 1 ! A $end $enddefinitions $end\n"
     BAD = [  # content, what must be said
-        (b"", "bad.vcd"),
         (b"\0\1\2\xff" * 4096, "bad.vcd"),
-        (b"A text of somebody else\n", "bad.vcd"),
-        (HEAD[:30], "bad.vcd"),
         (HEAD, "bad.vcd"),  # not one stamp
         (HEAD + "#0\n0!\n#5\n1!\n#4\n0!\n#9\n", "bad.vcd:6"),  # time runs back
-        (HEAD + "#0\n0!\n#99999999999999999999999\n", "bad.vcd:4"),
-        (HEAD + "#0\n0!\nq!\n#9\n", "bad.vcd:4"),
         (HEAD.replace("wire 1", "wire 100000000") + "#0\nb1 !\n#9\n", "100"),
-        (HEAD.replace("1us", "3us") + "#0\n0!\n#9\n", "bad.vcd:1"),
     ]
 
-    def test_bad_captures_are_refused_with_file_and_line(self):
+    def test_bad_captures_are_refused_with_file_and_line_and_leave_an_older_output(self):
+        self.write("pins.vcd", "kept")
         for content, word in self.BAD:
             with self.subTest(content=content[:80]):
                 self.write("bad.vcd", content)
-                done = self.run_tool("run", "bad.vcd", "--vcd", "pins.vcd")
+                done = self.run_tool("run", "bad.vcd", "--vcd", "pins.vcd", "--trace", "calls")
                 self.assertEqual(2, done.returncode)
                 self.assertIn(word, done.stderr)
-                self.assertEqual(["bad.vcd"], self.files())
-
-    def test_one_notice_a_signal(self):
-        self.write("odd.vcd", dump("1 us", [(1, "!", "A"), (4, '"', "B"), (64, "#", "R")],
-                                   [(0, ["x!", 'bz "']), (50, ["1!", 'bx1 "']), (60, ["z!"])], 100)
-                   .replace("wire 64", "real 64"))
-        done = self.run_tool("run", "odd.vcd", "--vcd", "pins.vcd")
-        self.assertEqual(0, done.returncode)
-        self.assertEqual(3, done.stderr.count("notice"), done.stderr)
-        pins, length = vcd.Vcd(self.folder / "pins.vcd").samples(1_000_000, {})
-        self.assertEqual((100, [(0, "0"), (50, "1"), (60, "0")]), (length, pins["A"]))
+                self.assertEqual(["bad.vcd", "pins.vcd"], self.files())
+                self.assertEqual("kept", (self.folder / "pins.vcd").read_text())
 
     STIMULI = [  # content, line of the fault or None
-        ("", None),
-        ("# nothing\n\n  \n0\t000000000\r\n5\t111111111\n", None),
+        ("# nothing\n\n  \n0\t000000000\r\n9223372036854775807\t111111111\n", None),
         ("0\t00000000\n", 1),
-        ("0\t0000000000\n", 1),
         ("0\t00000000x\n", 1),
         ("0 000000000\n", 1),
         ("-1\t000000000\n", 1),
         ("0x5\t000000000\n", 1),
         ("5\t000000000\n\n5\t111111111\n", 3),
-        ("7\t000000000\n6\t111111111\n", 2),
         ("9223372036854775808\t000000000\n", 1),
-        ("9223372036854775807\t000000000\n", None),
     ]
 
     def test_stimulus_lines(self):
@@ -152,11 +120,6 @@ class Inputs(ToolTest):
 
 
 class Plays(ToolTest):
-    def length(self, *options):
-        done = self.run_tool("run", "clock.vcd", "--vcd", "pins.vcd", *options)
-        self.assertEqual((0, ""), (done.returncode, done.stderr))
-        return vcd.Vcd(self.folder / "pins.vcd").samples(1_000_000, {})[1]
-
     def test_vectors_that_are_played(self):
         self.write("clock.vcd", CLOCK)
         for options, samples in [([], 200), (["--max-vectors", "1"], 1), (["--max-vectors", "199"], 199),
@@ -164,25 +127,23 @@ class Plays(ToolTest):
                                  (["--step", "150", "--max-vectors", "151"], 151),
                                  (["--period", "500ns"], 200), (["--period", "1e-6"], 200)]:
             with self.subTest(options=options):
-                self.assertEqual(samples, self.length(*options))
+                self.run_good("run", "clock.vcd", "--vcd", "pins.vcd", *options)
+                pins = vcd.Vcd(self.folder / "pins.vcd")
+                self.assertEqual(samples, pins.samples(1_000_000, {})[1])
 
     def test_check_prints_the_output_window(self):
-        done = self.run_tool("check", CAPTURES / "uart_text.vcd")
-        self.assertEqual((0, ""), (done.returncode, done.stderr))
-        lines = done.stdout.splitlines()
-        self.assertTrue(lines[0].startswith("Compiling "), done.stdout)
+        lines = self.run_good("check", CAPTURES / "uart_text.vcd").stdout.splitlines()
+        self.assertTrue(lines[0].startswith("Compiling "), lines)
         self.assertIn("0", lines[-1])
 
     def test_modules_lists_the_mainframe(self):
-        done = self.run_tool("modules")
-        rows = [line.split() for line in done.stdout.splitlines()]
+        rows = [line.split() for line in self.run_good("modules").stdout.splitlines()]
         self.assertEqual(["3", "5", "7", "9", "11"], [row[0] for row in rows[1:]])
         self.assertTrue(all("262140" in row for row in rows[1:]))
 
     def test_quiet_says_nothing(self):
         self.write("clock.vcd", CLOCK)
-        done = self.run_tool("run", "clock.vcd", "--quiet")
-        self.assertEqual(("", "", 0), (done.stdout, done.stderr, done.returncode))
+        self.assertEqual("", self.run_good("run", "clock.vcd", "--quiet").stdout)
 
 
 class Terminal(ToolTest):
@@ -212,18 +173,9 @@ class Terminal(ToolTest):
 
 
 class Interrupts(ToolTest):
-    def interrupt(self, process):
-        process.send_signal(signal.SIGINT)
-        return process
-
-    def finish(self, process):
-        status = process.wait(20)
-        process.stderr.close()
-        return status
-
     def start(self, *arguments):
         return subprocess.Popen([TOOL, *arguments], cwd=self.folder, stdout=subprocess.DEVNULL,
-                                stderr=subprocess.PIPE)
+                                stderr=subprocess.DEVNULL)
 
     def test_during_the_import(self):
         os.mkfifo(self.folder / "pipe")
@@ -231,22 +183,22 @@ class Interrupts(ToolTest):
         with open(self.folder / "pipe", "w") as pipe:
             pipe.write(CLOCK)
             pipe.flush()
-            self.interrupt(process)
+            process.send_signal(signal.SIGINT)
             time.sleep(0.2)
             try:
                 for stamp in range(300, 2_000_000):
                     pipe.write(f"#{stamp}\n{stamp % 2}!\n")
             except BrokenPipeError:
                 pass
-        self.assertEqual(130, self.finish(process))
+        self.assertEqual(130, process.wait(20))
         self.assertEqual(["pipe"], self.files())
 
     def test_during_the_play(self):
         self.write("long.vcd", dump("1 us", ONE, [(0, ["0!"]), (10**9, ["1!"])], 2 * 10**9))
         process = self.start("run", "long.vcd", "--period", "1us", "--step", "1", "--vcd", "pins.vcd")
         time.sleep(0.5)
-        self.interrupt(process)
-        self.assertEqual(130, self.finish(process))
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(130, process.wait(20))
         self.assertEqual(["long.vcd"], self.files())
 
 

@@ -45,16 +45,6 @@ Vectors Random(std::size_t count, unsigned seed) {
   return vectors;
 }
 
-// A byte as a serial line sends it, 9 to 11 vectors a bit.
-Vectors Frame(int byte, std::mt19937& random) {
-  Vectors vectors;
-  const int levels = (byte << 1) | 0x200;  // start bit, eight data bits, stop bit
-  for (int bit = 0; bit < 10; ++bit) {
-    vectors.insert(vectors.end(), 9 + random() % 3, static_cast<std::uint64_t>(levels >> bit & 1));
-  }
-  return vectors;
-}
-
 // What the lines of the program play.
 Vectors Played(const Vectors& vectors, const FOLDED_PROGRAM& program) {
   Vectors played;
@@ -79,7 +69,6 @@ std::vector<Case> Cases() {
   std::mt19937 random(1);
   std::vector<Case> cases;
   cases.push_back({"one vector", {7}, 40});
-  cases.push_back({"shorter than a block", Random(39, 1), 40});
   cases.push_back({"constant", Vectors(200'003, 5), 160});
   cases.push_back({"noise", Random(50'001, 2), 50'004});
   cases.push_back({"clock", {}, 84});
@@ -93,12 +82,6 @@ std::vector<Case> Cases() {
     Append(packets.vectors, packet);
   }
   cases.push_back(packets);
-  Case serial{"serial line with pauses", {}, 262'140};
-  for (int i = 0; i < 3000; ++i) {
-    Append(serial.vectors, Frame(static_cast<int>(random() % 96 + 32), random));
-    if (i % 10 == 0) serial.vectors.insert(serial.vectors.end(), 3000 + random() % 500, 1);
-  }
-  cases.push_back(serial);
   // Every remainder of an idle time, with a short something before and behind it.
   for (std::size_t idle : {40, 79, 80, 81, 119, 120, 121, 159, 160, 161, 200, 239, 281}) {
     for (const std::size_t edge : {0, 1, 39, 40, 41}) {

@@ -11,12 +11,12 @@ constexpr char kHead[] =
     "$timescale 1 us $end\n$var wire 1 ! D $end\n$var wire 4 # BUS [3:0] $end\n"
     "$enddefinitions $end\n";
 
-Status ReadText(const std::string& text, CAPTURE& capture, std::string* error = nullptr) {
+// What the reader says of a text; empty when it took it.
+std::string ReadText(const std::string& text, CAPTURE& capture, Status expected = S_OK) {
   std::istringstream stream(text);
   CVcdReader reader;
-  const Status status = reader.Read(stream, "x.vcd", 0, capture);
-  if (error) *error = reader.GetErrorText();
-  return status;
+  EXPECT_EQ(reader.Read(stream, "x.vcd", 0, capture), expected);
+  return reader.GetErrorText();
 }
 
 // "stamp:row" of every change point, rows in hexadecimal, then the end.
@@ -53,8 +53,7 @@ TEST(VcdReader, TakesEveryWayOfWritingChanges) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     CAPTURE capture;
-    std::string error;
-    EXPECT_EQ(ReadText(std::string(kHead) + row.changes, capture, &error), S_OK) << error;
+    EXPECT_EQ(ReadText(std::string(kHead) + row.changes, capture), "");
     EXPECT_EQ(Points(capture), row.points);
   }
 }
@@ -72,7 +71,6 @@ TEST(VcdReader, RefusesWithFileAndLine) {
       {"$timescale 3 us $end", "x.vcd:1: unknown timescale '3us'"},
       {"$var wire 1 ! D", "x.vcd:1: the file ends within '$var'"},
       {"$var wire 0 ! D $end", "x.vcd:1: a variable is '0' bits wide"},
-      {"$var wire -8 ! D $end", "x.vcd:1: a variable is '-8' bits wide"},
       {"$var wire 99999999999999999999 ! D $end",
        "x.vcd:1: a variable is '99999999999999999999' bits wide"},
       {"$var wire 320 ! D $end $var wire 1 # E $end\n$enddefinitions $end",
@@ -84,9 +82,7 @@ TEST(VcdReader, RefusesWithFileAndLine) {
       {head + "#0", "x.vcd:5: the file holds no value of a signal that is played"},
       {head + "#5 0!\n#4", "x.vcd:6: time runs back to '4'"},
       {head + "#9223372036854775808",
-       "x.vcd:5: no time that fits into 63 bits: "
-       "'9223372036854775808'"},
-      {head + "#-1", "x.vcd:5: no time that fits into 63 bits: '-1'"},
+       "x.vcd:5: no time that fits into 63 bits: '9223372036854775808'"},
       {head + "#0 1%", "x.vcd:5: undeclared identifier '%'"},
       {head + "#0 1", "x.vcd:5: the file ends within a value"},
       {head + "#0 b10101 #", "x.vcd:5: a vector of 5 digits for a signal of 4 bits"},
@@ -101,25 +97,21 @@ TEST(VcdReader, RefusesWithFileAndLine) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.error);
     CAPTURE capture;
-    std::string error;
-    EXPECT_EQ(ReadText(row.text, capture, &error), row.status);
-    EXPECT_EQ(error, row.error);
+    EXPECT_EQ(ReadText(row.text, capture, row.status), row.error);
     EXPECT_TRUE(capture.signals.empty());  // untouched
   }
 }
 
 TEST(VcdReader, ReadsNamesRangesAndIdentifiers) {
   CAPTURE capture;
-  std::string error;
-  ASSERT_EQ(
-      ReadText("$comment Acquisition with 3/8 channels at 24 MHz $end $timescale\n100ps\n$end "
-               "$scope module top $end $var wire 1 # D+ $end $var wire 1 $ Recv TX $end\n"
-               "$var reg 2 ab BUS[5:4] $end $var wire 1 b [3] $end $var wire 1 c D [3] $end\n"
-               "$var wire 2 ab alias [1:0] $end $var wire 1 d $end $upscope $end\n"
-               "$enddefinitions $end\n#0 1# 0$ b10 ab 0b 1c 1d #1",
-               capture, &error),
-      S_OK)
-      << error;
+  const std::string error = ReadText(
+      "$comment Acquisition with 3/8 channels at 24 MHz $end $timescale\n100ps\n$end "
+      "$scope module top $end $var wire 1 # D+ $end $var wire 1 $ Recv TX $end\n"
+      "$var reg 2 ab BUS[5:4] $end $var wire 1 b [3] $end $var wire 1 c D [3] $end\n"
+      "$var wire 2 ab alias [1:0] $end $var wire 1 d $end $upscope $end\n"
+      "$enddefinitions $end\n#0 1# 0$ b10 ab 0b 1c 1d #1",
+      capture);
+  ASSERT_EQ(error, "");
   std::string names;
   for (const CAPTURE_SIGNAL& signal : capture.signals) {
     names += signal.name + signal.range + "@" + std::to_string(signal.firstBit) + " ";
@@ -134,11 +126,10 @@ TEST(VcdReader, ReadsNamesRangesAndIdentifiers) {
 
 TEST(VcdReader, TellsWhatItLeavesOut) {
   CAPTURE capture;
-  ASSERT_EQ(
-      ReadText("$var real 64 r V $end $var wire 1 a A $end $var wire 1 b B $end\n"
-               "$var wire 1 c C $end $enddefinitions $end\n#0 r1.5 r 0a xb\n#5 zb 1c s! r\n#7",
-               capture),
-      S_OK);
+  ReadText(
+      "$var real 64 r V $end $var wire 1 a A $end $var wire 1 b B $end\n"
+      "$var wire 1 c C $end $enddefinitions $end\n#0 r1.5 r 0a xb\n#5 zb 1c s! r\n#7",
+      capture);
   const std::vector<std::string> expected = {
       "signal 'V' is of type real and is left out",
       "the file states no timescale: 1 ns is taken",
@@ -154,25 +145,12 @@ TEST(VcdReader, EveryShorterFileEndsInAnOrderlyWay) {
   for (std::size_t length = 0; length <= text.size(); ++length) {
     SCOPED_TRACE(length);
     CAPTURE capture;
-    std::string error;
-    const Status status = ReadText(text.substr(0, length), capture, &error);
-    EXPECT_EQ(Failed(status), !error.empty());
+    std::istringstream stream(text.substr(0, length));
+    CVcdReader reader;
+    const Status status = reader.Read(stream, "", 0, capture);
+    EXPECT_EQ(Failed(status), !reader.GetErrorText().empty());
     EXPECT_EQ(Failed(status), capture.stamps.empty());
   }
-}
-
-TEST(VcdReader, AbortsWithinALongFile) {
-  std::string text = std::string(kHead) + "#0 0!\n";
-  for (int i = 1; i < 200000; ++i) text += "#" + std::to_string(i) + (i % 2 ? " 1!\n" : " 0!\n");
-  std::istringstream stream(text);
-  CVcdReader reader;
-  int last = -1;
-  reader.SetProgress([&last](int percent) { return (last = percent) < 40; });
-  CAPTURE capture;
-  const auto length = static_cast<std::int64_t>(text.size());
-  EXPECT_EQ(reader.Read(stream, "x.vcd", length, capture), PG_E_ABORTED);
-  EXPECT_GE(last, 40);
-  EXPECT_LT(last, 100);
 }
 
 }  // namespace
