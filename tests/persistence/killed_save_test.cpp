@@ -19,24 +19,6 @@ constexpr int kKills = 200;
 constexpr int kBlocks = 10;
 constexpr unsigned kLongestDelay = 1000;  // microseconds
 
-// A number that a process and its children share.
-class CSharedCount {
- public:
-  CSharedCount()
-      : m_page(mmap(nullptr, sizeof(Count), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1,
-                    0)),
-        m_count(new (m_page) Count(0)) {}
-  ~CSharedCount() { (void)munmap(m_page, sizeof(Count)); }
-  CSharedCount(const CSharedCount&) = delete;
-  CSharedCount& operator=(const CSharedCount&) = delete;
-  std::atomic<int>& operator*() const { return *m_count; }
-
- private:
-  using Count = std::atomic<int>;
-  void* m_page;
-  Count* m_count;
-};
-
 // Saves alternately two systems of unlike size until it is killed.
 [[noreturn]] void SaveForever(CSavedSystem& system, std::atomic<int>& saves) {
   for (;;) {
@@ -56,15 +38,19 @@ TEST(KilledSave, LosesNothing) {
   ASSERT_EQ(S_OK, system.Files().SaveSystem(system.File(), "long", 1));
   const std::string images[] = {system.Bytes("short"), system.Bytes("long")};
   std::mt19937 random(1);
-  const CSharedCount saves;
+  // A number that this process and its children share.
+  void* page = mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE,
+                    MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(MAP_FAILED, page);
+  auto& saves = *new (page) std::atomic<int>(0);
   int seen[2] = {};
   int leftOver = 0;
   for (int i = 0; i < kKills; ++i) {
-    *saves = 0;
+    saves = 0;
     const pid_t child = fork();
     ASSERT_GE(child, 0);
-    if (child == 0) SaveForever(system, *saves);
-    while (*saves < i % 3) (void)usleep(50);
+    if (child == 0) SaveForever(system, saves);
+    while (saves < i % 3) (void)usleep(50);
     (void)usleep(static_cast<useconds_t>(random() % kLongestDelay));
     ASSERT_EQ(0, kill(child, SIGKILL));
     ASSERT_EQ(child, waitpid(child, nullptr, 0));
@@ -80,6 +66,7 @@ TEST(KilledSave, LosesNothing) {
   EXPECT_EQ(S_OK, system.Files().SaveSystem(system.File(), "long", 1));
   EXPECT_EQ(3U, system.Folder().Names().size());
   EXPECT_EQ(S_OK, system.Server().LoadSystem(system.File()));
+  (void)munmap(page, sizeof(std::atomic<int>));
 }
 
 }  // namespace
