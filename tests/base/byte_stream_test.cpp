@@ -2,18 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <sstream>
 #include <string>
 #include <vector>
 
 namespace quillpg {
 namespace {
-
-std::string Text(const CByteWriter& writer) {
-  const auto bytes = writer.Written();
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
 
 std::span<const std::uint8_t> Bytes(const std::string& text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
@@ -28,28 +22,6 @@ class CPipeBuffer : public std::stringbuf {
   pos_type seekoff(off_type, std::ios::seekdir, std::ios::openmode) override { return -1; }
   pos_type seekpos(pos_type, std::ios::openmode) override { return -1; }
 };
-
-TEST(ByteStream, LaysFieldsOutLittleEndian) {
-  CByteWriter writer;
-  writer.Field("integer", 0x01020384);
-  writer.Field("negative", -2);
-  writer.Field("float", 1.5F);
-  writer.Field("double", -2.0);
-  writer.Field("text", std::string("ab"));
-  writer.Field("empty", std::string());
-  writer.Truth("truth", 7);
-  const std::string expected(
-      "\x84\x03\x02\x01"
-      "\xFE\xFF\xFF\xFF"
-      "\0\0\xC0\x3F"
-      "\0\0\0\0\0\0\0\xC0"
-      "\x03\0\0\0ab\0"
-      "\x01\0\0\0\0"
-      "\x01\0\0\0",
-      36);
-  EXPECT_EQ(expected, Text(writer));
-  EXPECT_EQ(36U, writer.Offset());
-}
 
 TEST(ByteReader, TakesCountedTextsAsTheyAre) {
   const struct Row {
@@ -87,22 +59,6 @@ TEST(ByteReader, TakesCountedTextsAsTheyAre) {
   }
 }
 
-TEST(ByteReader, TheFirstFailureSticks) {
-  const std::string bytes(10, '\x01');
-  CByteReader reader(Bytes(bytes));
-  std::int32_t number = 5;
-  double real = 7;
-  reader.Field("first", number);
-  reader.Field("second", real);  // six bytes are left
-  reader.Field("third", number);
-  EXPECT_STREQ("second", reader.FailedField());
-  EXPECT_EQ(4U, reader.FailedOffset());
-  EXPECT_EQ(0x01010101, number);
-  EXPECT_EQ(7, real);
-  EXPECT_EQ(PG_E_INSTRUMENT_RECORD, reader.GetStatus());
-  EXPECT_EQ(0U, reader.Remaining());
-}
-
 TEST(ByteReader, CountsMustFitIntoWhatIsLeft) {
   const struct Row {
     std::int32_t stored;
@@ -122,54 +78,6 @@ TEST(ByteReader, CountsMustFitIntoWhatIsLeft) {
     EXPECT_EQ(row.count, count);
     EXPECT_EQ(row.good, reader.Good());
   }
-}
-
-TEST(ByteReader, AStreamStandsRightBehindWhatWasRead) {
-  std::istringstream stream(std::string("\x01\0\0\0\x02\0\0\0rest", 12));
-  CByteReader reader(stream);
-  std::int32_t number = 0;
-  reader.Field("first", number);
-  reader.Skip("second", 4);
-  EXPECT_TRUE(reader.Good());
-  EXPECT_EQ(8, stream.tellg());
-  EXPECT_EQ(4U, reader.Remaining());
-  EXPECT_EQ(8U, reader.Offset());
-  reader.Skip("beyond", 5);
-  EXPECT_STREQ("beyond", reader.FailedField());
-}
-
-// Hands pieces over until it is told to refuse.
-class CRefusingSink : public CByteSink {
- public:
-  explicit CRefusingSink(std::size_t room) : m_room(room) {}
-  bool Put(std::span<const std::uint8_t> bytes) override {
-    if (taken.size() + bytes.size() > m_room) return false;
-    taken.insert(taken.end(), bytes.begin(), bytes.end());
-    return true;
-  }
-  std::vector<std::uint8_t> taken;
-
- private:
-  std::size_t m_room;
-};
-
-TEST(ByteWriter, HandsASinkEverythingInOrder) {
-  CByteWriter plain;
-  CRefusingSink sink(1 << 20);
-  CRefusingSink small(100'000);
-  CByteWriter piecewise(sink);
-  CByteWriter refused(small);
-  const std::vector<std::uint8_t> large(70'000, 0x5A);
-  for (CByteWriter* writer : {&plain, &piecewise, &refused}) {
-    for (int i = 0; i < 30'000; ++i) writer->Field("number", i);
-    writer->Bytes("large", large);
-    writer->Field("text", std::string(66'000, 'x'));
-    writer->Flush();
-  }
-  EXPECT_EQ(S_OK, piecewise.GetStatus());
-  EXPECT_TRUE(std::ranges::equal(plain.Written(), sink.taken));
-  EXPECT_EQ(plain.Offset(), piecewise.Offset());
-  EXPECT_EQ(E_FAIL, refused.GetStatus());
 }
 
 }  // namespace
