@@ -1,11 +1,9 @@
 #include "program/block_manager.h"
 
 #include "instrument/instrument.h"
-#include "program/waveform_manager.h"
 #include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
 
-#include <climits>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -65,20 +63,6 @@ TEST_F(BlockManager, FillsNewVectorsWithTheDefaultLevel) {
   EXPECT_EQ(Block(0)->Data()[64 * 8], 0x00);
 }
 
-TEST_F(BlockManager, CompletesABlockThatEntersTheList) {
-  EXPECT_EQ(Blocks().InsertBlock(1, Prepared("p")), S_OK);
-  EXPECT_EQ(Blocks().InsertBlock(" q ", 64, 0), S_OK);
-  EXPECT_THAT(Handler().Take(), ElementsAre("OnBlockListChanged(q,0,0)"));
-  EXPECT_EQ(Names(), "qapbcde");
-  for (const int index : {0, 2}) {
-    EXPECT_TRUE(Block(index)->IsChanged());
-    int states = 0;
-    (void)Block(index)->GetNoOfGroups(states);
-    EXPECT_EQ(states, 4);
-    EXPECT_EQ(Block(index)->GetWaveformManager()->IsEmpty(), 0);
-  }
-}
-
 TEST_F(BlockManager, LeavesARefusedBlockToTheCaller) {
   auto block = Prepared("p");
   EXPECT_EQ(Blocks().InsertBlock(MAX_BLOCKS, std::move(block)), E_FAIL);
@@ -105,24 +89,6 @@ TEST_F(BlockManager, AnnouncesDeletionsBeforeTheyHappen) {
   EXPECT_EQ(Names(), "ab");
 }
 
-TEST_F(BlockManager, AnswersWhatIsNotThere) {
-  BLOCK* block = Block(0);
-  EXPECT_EQ(Blocks().GetBlock("none", &block), E_FAIL);
-  EXPECT_EQ(block, nullptr);
-  EXPECT_EQ(Block(-1), nullptr);  // with S_OK, unlike groups
-}
-
-TEST_F(BlockManager, ReplacesABlocksContent) {
-  EXPECT_EQ(Blocks().SetBlock(0, nullptr), E_FAIL);
-  EXPECT_EQ(Blocks().SetBlock(9, Block(0)), S_OK);
-  EXPECT_EQ(Blocks().IsModified(), 0);
-  (void)Block(1)->SetChanged(0);
-  EXPECT_EQ(Blocks().SetBlock(1, Prepared("p").get()), S_OK);
-  EXPECT_EQ(Names(), "apcde");
-  EXPECT_TRUE(Block(1)->IsChanged());
-  EXPECT_EQ(Blocks().IsModified(), 1);
-}
-
 TEST_F(BlockManager, TellsTheNewNameAsGiven) {
   EXPECT_EQ(Blocks().SetBlockName(0, " x "), S_OK);
   EXPECT_EQ(Blocks().SetBlockName(0, Block(0)->GetBlockName()), S_OK);  // unchanged is told, too
@@ -133,43 +99,6 @@ TEST_F(BlockManager, TellsTheNewNameAsGiven) {
               ElementsAre("OnBlockRenamed(a, x ,0)", "OnBlockRenamed(x,x,0)",
                           "OnBlockRenamed(b,z,1)", "OnBlockRenamed(c,,2)", "OnBlockResized(,2)"));
   EXPECT_EQ(Names(), "xzde");
-}
-
-TEST_F(BlockManager, TellsWhichBlocksChangedPlaces) {
-  EXPECT_EQ(Blocks().MoveUp(0), E_FAIL);
-  EXPECT_EQ(Blocks().IsModified(), 0);
-  EXPECT_EQ(Blocks().MoveUp(2), S_OK);
-  EXPECT_EQ(Blocks().MoveDown(0), S_OK);
-  EXPECT_EQ(Names(), "cabde");
-  EXPECT_THAT(Handler().Take(),
-              ElementsAre("OnBlocksSwapped(c,2,b,1)", "OnBlocksSwapped(a,0,c,1)"));
-}
-
-TEST_F(BlockManager, KeepsReferencePositionsWithinTheBlock) {
-  struct Row {
-    int index;
-    int position;
-    int which;
-    Status set;
-  };
-  const Row rows[] = {
-      {0, 0, 1, S_OK}, {0, 64, 2, S_OK}, {0, 65, 1, E_FAIL}, {0, -1, 2, E_FAIL}, {9, 1, 1, S_OK}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.position);
-    EXPECT_EQ(Blocks().SetReferencePos(row.index, row.position, row.which), row.set);
-  }
-  int position = -1;
-  EXPECT_EQ(Blocks().GetReferencePos(0, position, 77), S_OK);  // anything but 1 is the second
-  EXPECT_EQ(position, 64);
-  EXPECT_EQ(Blocks().GetReferencePos(9, position, 1), E_FAIL);
-}
-
-TEST(BlockManagerAlone, FailsWithoutAnInstrument) {
-  CBlockManager blocks;
-  EXPECT_EQ(blocks.Initialize(nullptr, nullptr), E_FAIL);
-  EXPECT_EQ(blocks.AddBlock("a", 64), E_FAIL);
-  EXPECT_EQ(blocks.InsertBlock(0, Prepared("p")), S_OK);
-  EXPECT_EQ(blocks.DeleteBlock(0, 1), S_OK);
 }
 
 }  // namespace

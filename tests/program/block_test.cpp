@@ -19,12 +19,6 @@ class Block : public testing::Test {
   CScriptedHost m_host;
 };
 
-std::unique_ptr<GROUP_STATE> State(const std::string& name) {
-  auto state = std::make_unique<GROUP_STATE>();
-  (void)state->Initialize(Radix::Octal, 3, name);
-  return state;
-}
-
 TEST_F(Block, HoldsWholeBytesOfEveryVector) {
   struct Row {
     int size;
@@ -85,50 +79,6 @@ TEST_F(Block, ReportsWhatMemoryCannotHold) {
   EXPECT_EQ(m_host.boxes.size(), 3u);
   EXPECT_EQ(block.ResizeBlock(4, '1'), S_OK);  // and back to something that fits
   EXPECT_EQ(block.Data()[0], 0xFF);
-}
-
-TEST_F(Block, CopiesAllButFlags) {
-  BLOCK source;
-  (void)source.Initialize("source", 2, 8, '1');
-  (void)source.AddGroupState(State("a"));
-  source.GetListingState().displayValue4 = 9;
-  (void)source.SetUsed(1);
-  BLOCK target;
-  (void)target.Initialize("target", 9, 16, '\0');
-  (void)target.AddGroupState(State("x"));
-  (void)target.SetChanged(0);
-  EXPECT_EQ(source.Copy(target), S_OK);
-  source.Data()[1] = 0;
-  EXPECT_EQ(source.Copy(source), S_OK);
-  EXPECT_EQ(target.GetBlockName(), "source");
-  EXPECT_EQ(target.GetBlockSize(), 2);
-  EXPECT_EQ(target.RowBytes(), 1u);
-  EXPECT_EQ(target.Data()[1], 0xFF);
-  EXPECT_EQ(target.GetListingState().displayValue4, 9);
-  EXPECT_EQ(target.IsBlockUsed(), 0);
-  EXPECT_FALSE(target.IsChanged());
-  int index = 0;
-  EXPECT_TRUE(target.FindGroupState("A", index));
-  EXPECT_FALSE(target.FindGroupState("x", index));
-}
-
-TEST_F(Block, KeepsGroupStatesInTheOrderGiven) {
-  BLOCK block;
-  EXPECT_EQ(block.AddGroupState(State("Data")), S_OK);
-  EXPECT_EQ(block.AddGroupState(State("data")), S_OK);  // duplicates are not looked for
-  EXPECT_EQ(block.InsertGroupState(0, State("Bus")), S_OK);
-  EXPECT_EQ(block.AddGroupState(nullptr), E_FAIL);
-  int index = 0;
-  EXPECT_TRUE(block.FindGroupState("DATA", index));
-  EXPECT_EQ(index, 1);
-  EXPECT_FALSE(block.FindGroupState(" data", index));
-  EXPECT_TRUE(block.DeleteGroupState(2, 2));  // a bad range: true, nothing happens
-  EXPECT_TRUE(block.DeleteGroupState(0, 2));
-  GROUP_STATE* state = nullptr;
-  ASSERT_TRUE(block.GetGroupState(0, &state));
-  EXPECT_EQ(state->GetGroupName(), "data");
-  EXPECT_EQ(state->GetDisplayValue2(), 1);  // not touched by Initialize(radix, value, name)
-  EXPECT_FALSE(block.GetGroupState(1, &state));
 }
 
 }  // namespace

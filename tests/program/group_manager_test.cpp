@@ -68,45 +68,6 @@ TEST_F(GroupManager, AddingAndInsertingDifferInWhatTheyRefuse) {
   }
 }
 
-TEST_F(GroupManager, LeavesEmptySlotsBeyondTheEnd) {
-  EXPECT_EQ(Groups().InsertGroup(5, "Far"), S_OK);
-  EXPECT_THAT(Names(), ElementsAre("Data", "Bus", "Far"));
-  EXPECT_EQ(Find("far"), 5);
-  GROUP* group = nullptr;
-  EXPECT_EQ(Groups().GetGroup(3, &group), E_FAIL);
-  int index = 0;
-  EXPECT_EQ(Groups().GetGroupPos("Far", index), E_FAIL);  // stops at an empty slot
-  EXPECT_EQ(Groups().DeleteAllGroups(), S_OK);
-  EXPECT_EQ(Groups().GetNoOfGroups(index), S_OK);
-  EXPECT_EQ(index, 0);
-  EXPECT_THAT(Handler().Take(),
-              ElementsAre("OnGroupDeleted(Data)", "OnGroupDeleted(Bus)", "OnGroupDeleted(Far)"));
-}
-
-TEST_F(GroupManager, LooksNamesUpByEachOperationsRule) {
-  struct Row {
-    const char* name;
-    int found;
-    int position;  // untrimmed, and S_OK without a match
-    int count;     // untrimmed
-  };
-  const Row rows[] = {{"bus", 1, 1, 1}, {" bus ", 1, -1, 0}, {"bu", -1, -1, 0}, {"", -1, -1, 0}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(Find(row.name), row.found);
-    int value = -7;
-    EXPECT_EQ(Groups().GetGroupPos(row.name, value), S_OK);
-    EXPECT_EQ(value, row.position);
-    EXPECT_EQ(Groups().CountGroups(row.name, value), *row.name ? S_OK : E_FAIL);
-    EXPECT_EQ(value, row.count);
-  }
-  int value = 0;
-  EXPECT_EQ(Groups().GetNoOfChannels("none", value), PG_E_NO_GROUP);
-  EXPECT_EQ(Groups().GetGroupTextLength("none", Radix::Hex, value), E_FAIL);
-  EXPECT_EQ(Groups().IsGroupEmpty("none", value), E_FAIL);
-  EXPECT_EQ(value, 1);
-}
-
 // Look-ups go through an index; whatever changes a name must reach it.
 TEST_F(GroupManager, FindsByTheNamesThatTheGroupsHaveNow) {
   EXPECT_EQ(Find("Bus"), 1);
@@ -123,35 +84,14 @@ TEST_F(GroupManager, FindsByTheNamesThatTheGroupsHaveNow) {
 }
 
 TEST_F(GroupManager, RenamesTheGroupAndItsStates) {
-  struct Row {
-    int index;
-    const char* name;
-    Status status;
-  };
-  const Row refused[] = {{0, " ", E_FAIL},
-                         {0, "data", PG_E_NAME_USED},  // a mere change of case
-                         {9, "bus", PG_E_NAME_USED},   // the name is looked at before the index
-                         {9, "Free", E_FAIL}};
-  for (const Row& row : refused) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(Groups().SetGroupName(row.index, row.name), row.status);
-  }
+  EXPECT_EQ(Groups().SetGroupName(0, " "), E_FAIL);
+  EXPECT_EQ(Groups().SetGroupName(0, "data"), PG_E_NAME_USED);  // a mere change of case
+  EXPECT_EQ(Groups().SetGroupName(9, "bus"), PG_E_NAME_USED);   // looked at before the index
+  EXPECT_EQ(Groups().SetGroupName(9, "Free"), E_FAIL);
   EXPECT_EQ(Groups().SetGroupName(0, " Address "), S_OK);
   EXPECT_THAT(Handler().Take(), ElementsAre("OnGroupRenamed(Data,Address)"));
   EXPECT_THAT(Names(), ElementsAre("Address", "Bus"));
   EXPECT_THAT(StateNames(), ElementsAre("Address", "Bus"));
-}
-
-TEST_F(GroupManager, SetGroupTakesTheNameAlone) {
-  (void)Group(1).AddChannel(4, -1);
-  GROUP given;
-  (void)given.SetGroupName("  BUS ");
-  EXPECT_EQ(Groups().SetGroup(0, &given), E_FAIL);  // another group has the name
-  EXPECT_EQ(given.GetGroupName(), "BUS");
-  EXPECT_EQ(Groups().SetGroup(1, &given), S_OK);
-  EXPECT_EQ(Group(1).GetGroupName(), "BUS");
-  EXPECT_EQ(Group(1).GetNoOfChannels(), 0);
-  EXPECT_EQ(Groups().SetGroup(2, &given), E_FAIL);
 }
 
 TEST_F(GroupManager, DeletesAfterTelling) {
@@ -164,27 +104,6 @@ TEST_F(GroupManager, DeletesAfterTelling) {
   EXPECT_THAT(Names(), IsEmpty());
 }
 
-TEST_F(GroupManager, TellsWhereAChannelSits) {
-  (void)Group(0).AddChannel(1, -1);
-  (void)Group(1).AddChannel(1, -1);
-  (void)Group(1).AddChannel(2, -1);
-  struct Row {
-    int channel;
-    const char* group;
-    ChannelSelection status;
-  };
-  const Row rows[] = {{1, " data ", ChannelSelection::InThisGroup},
-                      {1, "Bus", ChannelSelection::InOtherGroup},  // the earlier holder counts
-                      {2, "Bus", ChannelSelection::InThisGroup},
-                      {3, "none", ChannelSelection::InNoGroup}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(testing::Message() << row.channel << row.group);
-    ChannelSelection status{};
-    EXPECT_EQ(Groups().GetChannelSelectionStatus(row.channel, row.group, status), S_OK);
-    EXPECT_EQ(status, row.status);
-  }
-}
-
 TEST_F(GroupManager, CopyingEmptiesTheTarget) {
   CGroupManager other;
   ASSERT_EQ(other.AddGroup("Mine"), S_OK);
@@ -193,55 +112,6 @@ TEST_F(GroupManager, CopyingEmptiesTheTarget) {
   (void)other.GetNoOfGroups(count);
   EXPECT_EQ(count, 0);
   EXPECT_THAT(Names(), ElementsAre("Data", "Bus"));
-}
-
-TEST(GroupDefaults, GiveOneGroupForEachPodOfTheFirstModule) {
-  struct Row {
-    ChannelMode mode;
-    int modules;
-    const char* text;     // of the second group
-    int first;            // its first channel
-    const char* section;  // the twelfth
-  };
-  const Row rows[] = {{ChannelMode::Full, 1, "B1(7-0),B0(7-0)", 31, "B1"},
-                      {ChannelMode::Full, 2, "1B1(7-0),1B0(7-0)", 31, "2B1"},
-                      {ChannelMode::Half, 1, "B0(7-0)", 15, "D0"},
-                      {ChannelMode::Half, 2, "1B0(7-0)", 15, "3D0"}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.text);
-    CInstrumentFixture fixture(row.modules);
-    ASSERT_EQ(fixture.Instrument().SetChannelMode(row.mode), S_OK);
-    ASSERT_EQ(fixture.Groups().Default(), S_OK);
-    std::vector<std::string> names;
-    (void)fixture.Groups().GetGroupNames(names);
-    EXPECT_THAT(names, ElementsAre("UserGrp1", "UserGrp2", "UserGrp3", "UserGrp4"));
-    GROUP* group = nullptr;
-    ASSERT_EQ(fixture.Groups().GetGroup("UserGrp2", &group), S_OK);
-    EXPECT_EQ(group->GetChannelNames(), row.text);
-    EXPECT_EQ(group->Channels().front(), row.first);
-    EXPECT_EQ(group->Channels().back(), (row.first + 1) / 2);
-    std::string section;
-    EXPECT_EQ(fixture.Groups().GetSectionName(11, section), S_OK);
-    EXPECT_EQ(section, row.section);
-  }
-}
-
-TEST_F(GroupManager, ComparesAGrouping) {
-  (void)Group(0).AddChannel(1, -1);
-  struct Row {
-    std::vector<std::string> names;
-    std::vector<std::string> sizes;
-    Status status;
-  };
-  const Row rows[] = {{{}, {}, S_OK},
-                      {{"bus", "DATA"}, {"0", "1"}, S_OK},
-                      {{"Data"}, {"2"}, PG_E_GROUPING},
-                      {{"Data", "Bus"}, {"1"}, PG_E_GROUPING},  // a name without a size
-                      {{"none"}, {"0"}, PG_E_GROUPING}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(testing::PrintToString(row.names));
-    EXPECT_EQ(Groups().CheckGrouping(row.names, row.sizes), row.status);
-  }
 }
 
 TEST_F(GroupManager, CreatesTheGroupsOfAnImport) {

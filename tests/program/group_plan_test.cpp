@@ -64,34 +64,20 @@ class CPlanCheck {
   std::mt19937_64 m_random{4711};
 };
 
-TEST(GroupPlan, MovesEveryRunOfNeighboursLikeSingleBits) {
+TEST(GroupPlan, MovesAnyListOfNumbersLikeSingleBits) {
   CPlanCheck check;
-  for (const std::size_t rowBytes : {0u, 1u, 4u, 7u, 8u, 9u, 16u, 20u, 40u}) {
-    for (const int count : {0, 1, 8, 16, 57, 63, 64, 65, 128, 130}) {
-      for (int low = 0; low <= 72; ++low) {
-        SCOPED_TRACE(std::to_string(rowBytes) + " bytes, " + std::to_string(count) +
-                     " channels from " + std::to_string(low));
-        std::vector<int> channels(static_cast<std::size_t>(count));
-        std::iota(channels.rbegin(), channels.rend(), low);
-        check.Compare(channels, rowBytes);
-      }
-    }
-  }
-}
-
-TEST(GroupPlan, TakesAnyListOfNumbers) {
-  CPlanCheck check;
-  for (int round = 0; round < 2000; ++round) {
+  for (int round = 0; round < 6000; ++round) {
     SCOPED_TRACE(round);
-    std::vector<int> channels(static_cast<std::size_t>(check.Random(0, 100)));
-    for (std::size_t i = 0; i < channels.size(); ++i) {
+    std::vector<int> channels(static_cast<std::size_t>(check.Random(0, 130)));
+    std::iota(channels.rbegin(), channels.rend(), check.Random(0, 72));  // a run of neighbours
+    for (std::size_t i = 0; round % 2 != 0 && i < channels.size(); ++i) {
       const int kind = check.Random(0, 9);
       channels[i] = kind == 0                ? check.Random(-5, 400)
                     : kind == 1              ? (check.Random(0, 1) != 0 ? 2147483647 : -2147483647)
                     : i > 0 && kind % 2 != 0 ? channels[i - 1] - (channels[i - 1] > 0 ? 1 : 0)
                                              : check.Random(0, 70);
     }
-    check.Compare(channels, static_cast<std::size_t>(check.Random(0, 12)));
+    check.Compare(channels, static_cast<std::size_t>(check.Random(0, 40)));
   }
 }
 

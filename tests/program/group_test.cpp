@@ -50,24 +50,5 @@ TEST(Group, AssignmentKeepsTheTargetsTextAndNothingElseOfIt) {
   EXPECT_EQ(source.GetSize(), 4u + 5u + 4u + 14u);
 }
 
-TEST(Group, TellsTheLengthOfAValue) {
-  struct Row {
-    int channels;
-    Radix radix;
-    int length;
-  };
-  const Row rows[] = {{4, Radix::Hex, 1},   {5, Radix::Hex, 2},    {3, Radix::Octal, 1},
-                      {4, Radix::Octal, 2}, {5, Radix::Binary, 5}, {5, Radix::Decimal, -7},
-                      {0, Radix::Hex, 0}};  // -7: left as it was
-  for (const Row& row : rows) {
-    SCOPED_TRACE(testing::Message() << row.channels << " " << static_cast<int>(row.radix));
-    GROUP group;
-    for (int i = 0; i < row.channels; ++i) (void)group.AddChannel(i, -1);
-    int length = -7;
-    EXPECT_EQ(group.GetTextLength(row.radix, length), S_OK);
-    EXPECT_EQ(length, row.length);
-  }
-}
-
 }  // namespace
 }  // namespace quillpg

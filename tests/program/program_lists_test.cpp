@@ -1,5 +1,6 @@
 #include "program/block_manager.h"
 #include "program/event_manager.h"
+#include "program/listing_state_manager.h"
 #include "program/sequence_manager.h"
 #include "program/subsequence_manager.h"
 #include "support/instrument_fixture.h"
@@ -80,6 +81,35 @@ TEST(ProgramLists, AreAskedByTheirOwnRulesAndHoldTheirLimits) {
     EXPECT_EQ(row.add("n"), E_FAIL);
   }
   EXPECT_EQ(f.Sequence().InsertSequenceLine(0, "n"), E_FAIL);
+}
+
+TEST(ProgramLists, ASubsequenceTakesDuplicatesAndSeesTheirChanges) {
+  CSubSequenceManager subs;
+  SUBSEQUENCE given;
+  (void)given.AddSubSequenceLine(std::make_unique<SUBSEQUENCE_LINE>());
+  (void)subs.AddSubSequence("s");
+  EXPECT_EQ(subs.SetSubSequence(0, &given), S_OK);
+  (void)subs.SetModified(0);
+  const std::uint64_t before = subs.Revision();
+  SUBSEQUENCE* held = nullptr;
+  SUBSEQUENCE_LINE* line = nullptr;
+  ASSERT_EQ(subs.GetSubSequence(0, &held), S_OK);
+  ASSERT_EQ(held->GetSubSequenceLine(0, &line), S_OK);
+  (void)line->SetOutput("changed");
+  EXPECT_NE(subs.Revision(), before);  // counted down to the lines
+  EXPECT_EQ(subs.IsModified(), 1);
+  ASSERT_EQ(given.GetSubSequenceLine(0, &line), S_OK);
+  EXPECT_EQ(line->GetOutput(), "");
+}
+
+TEST(ProgramLists, TheListingHasOneStateForAGroup) {
+  CListingStateManager states;
+  auto state = std::make_unique<GROUP_STATE>();
+  (void)state->SetGroupName("Data");
+  (void)states.AddListingState(std::make_unique<GROUP_STATE>(*state));
+  EXPECT_EQ(states.AddListingState(std::move(state)), E_FAIL);
+  EXPECT_EQ(states.InsertListingState(0, std::move(state)), E_FAIL);
+  EXPECT_EQ(states.SetListingState(0, state.get()), S_OK);  // NOLINT(bugprone-use-after-move)
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include "program/block_manager.h"
 #include "program/group_manager.h"
 #include "program/sequence_manager.h"
-#include "program/waveform_manager.h"
 #include "quillpg/limits.h"
 #include "support/instrument_fixture.h"
 #include "support/model_json.h"
@@ -68,55 +67,6 @@ TEST(BlockRecord, SizeAndWidthHaveTheLimitsOfTheFormat) {
   }
 }
 
-TEST(BlockRecord, LosesTheLastPartialByte) {
-  BLOCK block;
-  (void)block.Initialize("b", 3, 5, '\0');
-  CByteWriter writer;
-  EXPECT_EQ(S_OK, block.Write(writer));
-  EXPECT_EQ(block.GetSize() - 1, writer.Written().size());
-  EXPECT_EQ(0, writer.Written()[4 + 4 + 6]) << "one byte of 15 bits; the buffer has none";
-}
-
-TEST(BlockRecord, IsSteppedOverWithoutItsData) {
-  CByteWriter writer;
-  PutBlock(writer, 50, 128, 800);
-  SETUP_FILE_FORM form;
-  form.stepsOver = true;
-  BLOCK block;
-  (void)block.Initialize("old", 40, 64, '1');
-  CSetupFileReader reader(writer.Written(), form);
-  EXPECT_EQ(S_OK, block.Read(reader));
-  EXPECT_EQ(0U, reader.Remaining());
-  EXPECT_EQ(40, block.GetBlockSize());
-  EXPECT_EQ(128, block.GetBlockWidth());
-  EXPECT_EQ(0, block.Data()[40 * 16 - 1]) << "a buffer that fits the new width";
-  EXPECT_EQ(9, block.GetListingState().firstReference);
-}
-
-TEST(BlockRecords, ShareEqualRowsUntilOneChanges) {
-  CInstrumentFixture fixture;
-  CBlockManager& blocks = fixture.Blocks();
-  for (int i = 0; i < 3; ++i) (void)blocks.AddBlock("b", 80);
-  CByteWriter writer;
-  EXPECT_EQ(S_OK, blocks.Write(writer));
-  (void)blocks.DeleteAll();
-  CSetupFileReader reader(writer.Written());
-  ASSERT_EQ(S_OK, blocks.Read(reader));
-  const auto row = [&](int index) {
-    BLOCK* block = nullptr;
-    (void)blocks.GetBlock(index, &block);
-    return std::as_const(*block->GetWaveformManager()).Row(0);
-  };
-  EXPECT_EQ(row(1), row(2)) << "one object";
-  BLOCK* block = nullptr;
-  (void)blocks.GetBlock(1, &block);
-  CWaveformData* changed = nullptr;
-  (void)block->GetWaveformManager()->GetWaveformData(0, &changed);
-  changed->reserved = 77;
-  EXPECT_EQ(77, row(1)->reserved);
-  EXPECT_EQ(0, row(2)->reserved);
-}
-
 TEST(SequenceRecords, TheListsOwnLimitDoesNotHoldOnReading) {
   CSequenceManager lines;
   for (int i = 0; i < MAX_SEQUENCE_LINES; ++i) (void)lines.AddSequenceLine("L");
@@ -127,15 +77,6 @@ TEST(SequenceRecords, TheListsOwnLimitDoesNotHoldOnReading) {
   EXPECT_EQ(S_OK, lines.Read(reader)) << "appended";
   EXPECT_EQ(2 * MAX_SEQUENCE_LINES, Get(lines, &CSequenceManager::GetNoOfSequenceLines));
   EXPECT_EQ(1, lines.IsModified());
-}
-
-TEST(SequenceRecords, EmptySlotsAreNeitherCountedNorWritten) {
-  CSequenceManager lines;
-  (void)lines.InsertSequenceLine(5, "L");
-  CByteWriter writer;
-  EXPECT_EQ(S_OK, lines.Write(writer));
-  EXPECT_EQ(1, writer.Written()[0]);
-  EXPECT_EQ(4U + 33 + 1, writer.Written().size());
 }
 
 TEST(GroupRecords, AFailureKeepsPlaceholdersAndFailsTheStream) {
@@ -156,31 +97,6 @@ TEST(GroupRecords, AFailureKeepsPlaceholdersAndFailsTheStream) {
   (void)fixture.Groups().GetGroupNames(names);
   EXPECT_EQ((std::vector<std::string>{"First", "Second", "UserGrp2"}), names);
   EXPECT_TRUE(fixture.Handler().events.empty()) << "nothing is announced";
-}
-
-// Where nobody can tell how much follows, a count that lies must not be believed.
-class CEndlessCounts : public std::streambuf {
- protected:
-  int_type underflow() override {
-    if (m_given > 1000) return traits_type::eof();
-    m_given += 4;
-    setg(m_count, m_count, m_count + 4);
-    return traits_type::to_int_type(m_count[0]);
-  }
-
- private:
-  char m_count[4] = {'\0', '\0', '\0', '\x7f'};
-  int m_given = 0;
-};
-
-TEST(GroupRecords, AnEndlessCountMakesNoGroupsThatAreNotThere) {
-  CInstrumentFixture fixture;
-  CEndlessCounts pipe;
-  std::istream stream(&pipe);
-  EXPECT_EQ(PG_E_INSTRUMENT_RECORD, fixture.Groups().Read(stream));
-  int groups = 0;
-  (void)fixture.Groups().GetNoOfGroups(groups);
-  EXPECT_EQ(1, groups);
 }
 
 }  // namespace
