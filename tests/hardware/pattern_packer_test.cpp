@@ -3,31 +3,26 @@
 #include "hardware/unit_kernel.h"
 #include "plain/packer.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <random>
-#include <string>
+#include <tuple>
 #include <vector>
 
 namespace quillpg {
 namespace {
 
-using testing::ElementsAreArray;
-
 constexpr ChannelMode kHalf = ChannelMode::Half;
 constexpr ChannelMode kFull = ChannelMode::Full;
+constexpr UnitKind kLong = UnitKind::Full;
+constexpr UnitKind kShort = UnitKind::Short;
 
 // Rows of pattern data in memory of exactly their size, so that a sanitizer sees a stray access.
 struct PATTERN {
   PATTERN(int channels, int size) : rowBytes(static_cast<std::size_t>(channels) / 8), rows(size) {
     bytes.resize(rowBytes * static_cast<std::size_t>(size));
-  }
-
-  PATTERN& Set(int channel, int vector) {
-    bytes[static_cast<std::size_t>(vector) * rowBytes + static_cast<std::size_t>(channel) / 8] |=
-        static_cast<std::uint8_t>(1 << channel % 8);
-    return *this;
   }
 
   PATTERN& Randomise(unsigned seed) {
@@ -52,104 +47,64 @@ std::vector<std::uint16_t> Pack(const PATTERN& pattern, ChannelMode mode, UnitKi
   return words;
 }
 
-struct WORD {
-  int index;
-  std::uint16_t value;
-};
-
 // The words were worked out by hand. A table and a player that share a mistake cannot hide it here.
 TEST(PatternPacker, PutsSingleBitsWhereTheHardwareReadsThem) {
-  struct Row {
-    const char* what;
-    ChannelMode mode;
-    UnitKind kind;
-    int channel;
-    int vector;
-    std::vector<WORD> words;  // all others 0
+  // What, mode, kind, channel, vector, the word that is not 0.
+  const std::tuple<const char*, ChannelMode, UnitKind, int, int, std::size_t, int> rows[] = {
+      {"half: even channel in the high byte", kHalf, kLong, 0, 0, 0, 0x8000},
+      {"half: last channel", kHalf, kLong, 31, 3, 15, 0x0010},
+      {"half short: vector 6 above the empty bit", kHalf, kShort, 0, 6, 0, 0x0200},
+      {"full: upper channel one bit below", kFull, kLong, 8, 0, 0, 0x4000},
+      {"full: last vector, upper", kFull, kLong, 9, 3, 0, 0x0001},
+      {"full: last channel", kFull, kLong, 63, 1, 15, 0x0010},
+      {"full short: vector 3, lower, ends unit 1", kFull, kShort, 0, 3, 0, 0x0200},
+      {"full short: vector 3, upper, opens unit 2", kFull, kShort, 8, 3, 16, 0x8000},
+      {"full short: vector 6, upper", kFull, kShort, 9, 6, 16, 0x0002},
+      {"full short: last channel", kFull, kShort, 63, 4, 31, 0x0020},
   };
-  const Row rows[] = {
-      {"half: even channel in the high byte", kHalf, UnitKind::Full, 0, 0, {{0, 0x8000}}},
-      {"half: odd channel in the low byte", kHalf, UnitKind::Full, 1, 0, {{0, 0x0080}}},
-      {"half: last vector in bit 0", kHalf, UnitKind::Full, 2, 7, {{1, 0x0100}}},
-      {"half: last channel", kHalf, UnitKind::Full, 31, 3, {{15, 0x0010}}},
-      {"half short: vector 0 stays on top", kHalf, UnitKind::Short, 0, 0, {{0, 0x8000}}},
-      {"half short: vector 6 above the empty bit", kHalf, UnitKind::Short, 0, 6, {{0, 0x0200}}},
-      {"half short: vector 7 is not sent", kHalf, UnitKind::Short, 0, 7, {}},
-      {"full: lower channel of a pair", kFull, UnitKind::Full, 0, 0, {{0, 0x8000}}},
-      {"full: upper channel one bit below", kFull, UnitKind::Full, 8, 0, {{0, 0x4000}}},
-      {"full: last vector, lower", kFull, UnitKind::Full, 1, 3, {{0, 0x0002}}},
-      {"full: last vector, upper", kFull, UnitKind::Full, 9, 3, {{0, 0x0001}}},
-      {"full: next pod", kFull, UnitKind::Full, 16, 0, {{4, 0x8000}}},
-      {"full: last channel", kFull, UnitKind::Full, 63, 1, {{15, 0x0010}}},
-      {"full short: vector 0", kFull, UnitKind::Short, 0, 0, {{0, 0x8000}}},
-      {"full short: vector 3, lower, ends unit 1", kFull, UnitKind::Short, 0, 3, {{0, 0x0200}}},
-      {"full short: vector 3, upper, opens unit 2", kFull, UnitKind::Short, 8, 3, {{16, 0x8000}}},
-      {"full short: vector 6, lower", kFull, UnitKind::Short, 1, 6, {{16, 0x0004}}},
-      {"full short: vector 6, upper", kFull, UnitKind::Short, 9, 6, {{16, 0x0002}}},
-      {"full short: last channel", kFull, UnitKind::Short, 63, 4, {{31, 0x0020}}},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.what);
-    PATTERN pattern(GetChannelsPerModule(row.mode), 8);
-    pattern.Set(row.channel, row.vector);
+  for (const auto& [what, mode, kind, channel, vector, index, word] : rows) {
+    PATTERN pattern(GetChannelsPerModule(mode), 8);
+    const int bit = vector * GetChannelsPerModule(mode) + channel;
+    pattern.bytes[static_cast<std::size_t>(bit / 8)] = static_cast<std::uint8_t>(1 << bit % 8);
     std::vector<std::uint16_t> expected(
-        static_cast<std::size_t>(GetBitArrange(row.mode, row.kind).wordsPerGroup));
-    for (const WORD& word : row.words) expected[static_cast<std::size_t>(word.index)] = word.value;
-    EXPECT_THAT(Pack(pattern, row.mode, row.kind, 0, 0, 1), ElementsAreArray(expected));
+        static_cast<std::size_t>(GetBitArrange(mode, kind).wordsPerGroup));
+    expected[index] = static_cast<std::uint16_t>(word);
+    EXPECT_EQ(Pack(pattern, mode, kind, 0, 0, 1), expected) << what;
   }
 }
 
 TEST(PatternPacker, AgreesWithTheEntryTables) {
-  struct Row {
-    const char* what;
-    int channels;
-    int size;
-    int base;
-    int firstVector;
-    int groups;
+  const std::array<int, 5> rows[] = {
+      // Channels, size, base channel, first vector, groups.
+      {64, 100, 0, 0, 14},   {64, 99, 0, 60, 9},  // to the last row and past it
+      {64, 8, 0, 8, 2},                           // entirely past the end
+      {128, 64, 64, 5, 8},                        // second of two merged modules
+      {320, 70, 256, 0, 12},                      // last of five
+      {40, 50, 0, 0, 8},                          // a row ends inside the module
+      {32, 50, 64, 0, 2},                         // and before it
   };
-  const Row rows[] = {
-      {"one module", 64, 100, 0, 0, 14},
-      {"inside the block", 64, 100, 0, 40, 3},
-      {"to the last row and past it", 64, 99, 0, 60, 9},
-      {"short units of a block too small for full ones", 64, 20, 0, 0, 4},
-      {"entirely past the end", 64, 8, 0, 8, 2},
-      {"second of two merged modules", 128, 64, 64, 5, 8},
-      {"last of five merged modules", 320, 70, 256, 0, 12},
-      {"upper half of a wide row", 64, 50, 32, 3, 6},
-      {"row ends inside the module", 40, 50, 0, 0, 8},
-      {"row ends before the module", 32, 50, 64, 0, 2},
-      {"one-row block", 64, 1, 0, 0, 2},
-  };
-  const volatile bool abort = false;
-  for (const Row& row : rows) {
-    const PATTERN pattern = PATTERN(row.channels, row.size).Randomise(7);
-    for (const ChannelMode mode : {kHalf, kFull}) {
-      for (const UnitKind kind : {UnitKind::Full, UnitKind::Short}) {
-        SCOPED_TRACE(std::string(row.what) + (mode == kHalf ? ", half" : ", full") +
-                     (kind == UnitKind::Short ? ", short" : ""));
-        const std::vector<std::uint16_t> packed =
-            Pack(pattern, mode, kind, row.base, row.firstVector, row.groups);
-        std::vector<std::uint16_t> plain(packed.size());
-        PackPlain(pattern.Rows(), mode, kind, row.base, row.firstVector, row.groups, abort,
-                  plain.data());
-        EXPECT_EQ(plain, packed);
-      }
+  const bool abort = false;
+  for (const auto& [channels, size, base, vector, groups] : rows) {
+    const PATTERN pattern = PATTERN(channels, size).Randomise(7);
+    for (const int kinds : {0, 1, 2, 3}) {
+      SCOPED_TRACE(testing::Message() << channels << ',' << size << ',' << base << ',' << kinds);
+      const ChannelMode mode = kinds < 2 ? kHalf : kFull;
+      const UnitKind kind = kinds % 2 == 0 ? kLong : kShort;
+      const auto packed = Pack(pattern, mode, kind, base, vector, groups);
+      std::vector<std::uint16_t> plain(packed.size());
+      PackPlain(pattern.Rows(), mode, kind, base, vector, groups, abort, plain.data());
+      EXPECT_EQ(plain, packed);
     }
   }
 }
 
 TEST(PatternPacker, WritesNoFurtherThanTheWordsReach) {
-  const PATTERN pattern = PATTERN(64, 100).Randomise(3);
   const CPatternPacker packer(kFull, UnitKind::Full);
-  std::vector<std::uint16_t> words(40, 0xDEAD);  // two groups and a half
-  packer.Pack(pattern.Rows(), 0, 0, 20, words);
-  EXPECT_NE(0xDEAD, words[31]);
-  EXPECT_EQ(std::vector<std::uint16_t>(8, 0xDEAD),
-            std::vector<std::uint16_t>(words.begin() + 32, words.end()));
-  packer.Pack({nullptr, 8, 100}, 0, 0, 2, words);  // a block without data
-  EXPECT_EQ(std::vector<std::uint16_t>(32, 0),
-            std::vector<std::uint16_t>(words.begin(), words.begin() + 32));
+  std::vector<std::uint16_t> words(40, 0xDEAD);     // two groups and a half
+  packer.Pack({nullptr, 8, 100}, 0, 0, 20, words);  // a block without data
+  std::vector<std::uint16_t> expected(40, 0);
+  std::fill(expected.begin() + 32, expected.end(), std::uint16_t{0xDEAD});
+  EXPECT_EQ(expected, words);
 }
 
 // The machine at hand uses one kernel; the other one must give the same words elsewhere.
@@ -167,31 +122,12 @@ TEST(PatternPacker, BothKernelsAgree) {
 }
 
 TEST(PatternPacker, SplitsBlocksIntoRuns) {
-  struct Row {
-    const char* what;
-    ChannelMode mode;
-    int size;
-    std::vector<PACK_RUN> runs;
-  };
-  constexpr UnitKind kLong = UnitKind::Full;
-  constexpr UnitKind kShort = UnitKind::Short;
-  const Row rows[] = {
-      {"half, whole units", kHalf, 16, {{kLong, 0, 2, 0}}},
-      {"half, one short unit", kHalf, 15, {{kLong, 0, 1, 0}, {kShort, 1, 1, 8}}},
-      {"half, four short units", kHalf, 100, {{kLong, 0, 9, 0}, {kShort, 9, 4, 72}}},
-      {"half, too small for full units", kHalf, 20, {{kShort, 0, 4, 0}}},
-      {"full, whole units", kFull, 8, {{kLong, 0, 2, 0}}},
-      {"full, three pairs", kFull, 1001, {{kLong, 0, 245, 0}, {kShort, 245, 6, 980}}},
-      {"full, transfers are bounded",
-       kFull,
-       4096 * 4 + 7,
-       {{kLong, 0, 2048, 0}, {kLong, 2048, 2048, 8192}, {kShort, 4096, 2, 16384}}},
-      {"nothing to send", kFull, 0, {}},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.what);
-    EXPECT_EQ(row.runs, SplitIntoRuns(row.mode, row.size));
-  }
+  using Runs = std::vector<PACK_RUN>;
+  EXPECT_EQ(SplitIntoRuns(kHalf, 15), (Runs{{kLong, 0, 1, 0}, {kShort, 1, 1, 8}}));
+  EXPECT_EQ(SplitIntoRuns(kHalf, 20), (Runs{{kShort, 0, 4, 0}}));
+  EXPECT_EQ(SplitIntoRuns(kFull, 8), (Runs{{kLong, 0, 2, 0}}));
+  EXPECT_EQ(SplitIntoRuns(kFull, 4096 * 4 + 7),  // transfers are bounded
+            (Runs{{kLong, 0, 2048, 0}, {kLong, 2048, 2048, 8192}, {kShort, 4096, 2, 16384}}));
 }
 
 }  // namespace
