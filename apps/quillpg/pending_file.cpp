@@ -1,42 +1,31 @@
 #include "pending_file.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-
 namespace quillpg::tool {
 
-CPendingFile::~CPendingFile() {
-  m_stream.close();
-  if (!m_part.empty()) RemoveFile(m_part);
-}
-
 bool CPendingFile::Open(const std::string& path, std::string& error) {
-  if (!ResolveOutputTarget(path, m_target, error)) return false;
-  if (!m_target.direct) {
-    std::FILE* file = OpenBeside(m_target.path, m_part);
-    if (file == nullptr) {
-      m_part.clear();
-      error = path + ": " + std::strerror(errno);
-      return false;
-    }
-    (void)std::fclose(file);  // the name is taken now; nothing was written yet
-  }
-  m_stream.open(m_target.direct ? m_target.path : m_part, std::ios::binary);
-  if (m_stream) return true;
-  error = path + ": " + std::strerror(errno);
+  m_path = path;
+  if (!Failed(m_file.Open(path, FileCare::Output))) return true;
+  error = path + ": " + m_file.GetErrorText();
   return false;
 }
 
 bool CPendingFile::Commit(std::string& error) {
-  m_stream.close();
-  const bool written = m_stream.good();
-  if (written && (m_target.direct || std::rename(m_part.c_str(), m_target.path.c_str()) == 0)) {
-    m_part.clear();
-    return true;
-  }
-  error = m_target.path + ": " + std::strerror(errno);
+  m_writer.Flush();
+  if (m_writer.Good() && !Failed(m_file.Commit())) return true;
+  error = m_path + ": " + m_file.GetErrorText();
+  m_file.Discard();
   return false;
+}
+
+std::streamsize CPendingFile::xsputn(const char* text, std::streamsize count) {
+  m_writer.Bytes("",
+                 {reinterpret_cast<const std::uint8_t*>(text), static_cast<std::size_t>(count)});
+  return m_writer.Good() ? count : 0;
+}
+
+CPendingFile::int_type CPendingFile::overflow(int_type character) {
+  const char c = traits_type::to_char_type(character);
+  return xsputn(&c, 1) == 1 ? traits_type::not_eof(character) : traits_type::eof();
 }
 
 }  // namespace quillpg::tool

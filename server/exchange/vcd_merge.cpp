@@ -1,66 +1,51 @@
 #include "exchange/vcd_merge.h"
 
+#include <algorithm>
 #include <charconv>
-#include <cstdint>
-#include <fstream>
-#include <limits>
+#include <cstring>
 
 namespace quillpg {
 
-namespace {
+bool CVcdPart::Put(std::span<const std::uint8_t> bytes) {
+  return std::fwrite(bytes.data(), 1, bytes.size(), m_file.get()) == bytes.size();
+}
 
-constexpr std::int64_t kEnded = std::numeric_limits<std::int64_t>::max();
+bool CVcdPart::StartReading() {
+  if (std::fflush(m_file.get()) != 0 || std::fseek(m_file.get(), 0, SEEK_SET) != 0) return false;
+  TakeStamp(ReadLine());
+  return m_stamp != ENDED;
+}
 
-// One change section, read stamp by stamp.
-class CPart {
- public:
-  explicit CPart(const std::string& path) : m_file(path, std::ios::binary) { ReadStamp(); }
+void CVcdPart::CopyChanges(CVcdOutput& output) {
+  bool read = ReadLine();
+  for (; read && m_line[0] != '#'; read = ReadLine()) output.Append(m_line);
+  TakeStamp(read);
+}
 
-  bool IsGood() const { return m_good; }
-  std::int64_t Stamp() const { return m_stamp; }
+bool CVcdPart::ReadLine() {
+  char piece[512];
+  m_line.clear();
+  while (!m_line.ends_with('\n') && std::fgets(piece, sizeof piece, m_file.get())) m_line += piece;
+  return !m_line.empty();
+}
 
-  // Copies the changes of the present stamp and goes on to the next one.
-  void CopyChanges(CVcdOutput& output) {
-    while (std::getline(m_file, m_line) && m_line[0] != '#') {
-      output.Append(m_line);
-      output.Append("\n");
-    }
-    TakeStamp();
-  }
+void CVcdPart::TakeStamp(bool read) {
+  m_stamp = ENDED;
+  if (!read) return;
+  (void)std::from_chars(m_line.data() + 1, m_line.data() + m_line.size(), m_stamp);
+}
 
- private:
-  void ReadStamp() {
-    m_good = static_cast<bool>(std::getline(m_file, m_line));
-    TakeStamp();
-  }
-  void TakeStamp() {
-    m_stamp = kEnded;
-    if (m_file && m_line.starts_with('#')) {
-      (void)std::from_chars(m_line.data() + 1, m_line.data() + m_line.size(), m_stamp);
-    }
-  }
-
-  std::ifstream m_file;
-  std::string m_line;
-  std::int64_t m_stamp = kEnded;
-  bool m_good = false;
-};
-
-}  // namespace
-
-Status MergeChanges(const std::vector<std::string>& parts, CVcdOutput& output) {
-  std::vector<CPart> open;
-  for (const std::string& path : parts) {
-    open.emplace_back(path);
-    if (!open.back().IsGood()) return E_FAIL;
+bool MergeChanges(const std::vector<std::unique_ptr<CVcdPart>>& parts, CVcdOutput& output) {
+  for (const auto& part : parts) {
+    if (!part->StartReading()) return false;
   }
   for (;;) {
-    std::int64_t stamp = kEnded;
-    for (const CPart& part : open) stamp = part.Stamp() < stamp ? part.Stamp() : stamp;
-    if (stamp == kEnded) return S_OK;
+    std::int64_t stamp = CVcdPart::ENDED;
+    for (const auto& part : parts) stamp = std::min(stamp, part->Stamp());
+    if (stamp == CVcdPart::ENDED) return true;
     output.Append('#' + std::to_string(stamp) + '\n');
-    for (CPart& part : open) {
-      if (part.Stamp() == stamp) part.CopyChanges(output);
+    for (const auto& part : parts) {
+      if (part->Stamp() == stamp) part->CopyChanges(output);
     }
   }
 }

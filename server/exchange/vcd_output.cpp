@@ -10,7 +10,7 @@ constexpr std::size_t kBufferSize = std::size_t{128} * 1024;
 
 }  // namespace
 
-CVcdOutput::CVcdOutput(std::FILE* file) : m_file(file) { Reserve(kBufferSize); }
+CVcdOutput::CVcdOutput(CByteSink& sink) : m_sink(&sink) { Reserve(kBufferSize); }
 
 CVcdOutput::CVcdOutput(std::string& text) : m_text(&text) { Reserve(kBufferSize); }
 
@@ -30,14 +30,12 @@ void CVcdOutput::Append(std::string_view text) {
 
 bool CVcdOutput::Finish() {
   Flush();
-  // Closing may be what finds the disk full.
-  if (m_file && std::fclose(m_file.release()) != 0) m_failed = true;
   return !m_failed;
 }
 
 void CVcdOutput::Flush() {
-  if (m_used > 0 && m_file && !m_failed) {
-    m_failed = std::fwrite(m_buffer.get(), 1, m_used, m_file.get()) != m_used;
+  if (m_used > 0 && m_sink && !m_failed) {
+    m_failed = !m_sink->Put({reinterpret_cast<const std::uint8_t*>(m_buffer.get()), m_used});
   }
   if (m_used > 0 && m_text) m_text->append(m_buffer.get(), m_used);
   m_used = 0;

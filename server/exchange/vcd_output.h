@@ -1,20 +1,20 @@
 #pragma once
 
+#include "base/byte_stream.h"
+
 #include <cstddef>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
 
 namespace quillpg {
 
-/// Text on its way to a file or into memory, through one buffer. A write that fails is remembered
+/// Text on its way to a sink or into memory, through one buffer. A write that fails is remembered
 /// and asked for once, at the end.
 class CVcdOutput {
  public:
-  /// Owns the file.
-  explicit CVcdOutput(std::FILE* file);
-  /// `text` must outlive the object.
+  /// What takes the text must outlive the object.
+  explicit CVcdOutput(CByteSink& sink);
   explicit CVcdOutput(std::string& text);
 
   /// Where the next `size` bytes at most may be written; Advance says how many were. `size` must
@@ -31,16 +31,13 @@ class CVcdOutput {
   void Reserve(std::size_t size);
   void Append(std::string_view text);
 
-  /// Hands everything over and closes the file; false when anything could not be written.
+  /// Hands everything over; false when anything could not be written.
   bool Finish();
 
  private:
   void Flush();
 
-  struct CLOSE {
-    void operator()(std::FILE* file) const { (void)std::fclose(file); }
-  };
-  std::unique_ptr<std::FILE, CLOSE> m_file;
+  CByteSink* m_sink = nullptr;
   std::string* m_text = nullptr;
   std::unique_ptr<char[]> m_buffer;
   std::size_t m_capacity = 0;

@@ -1,7 +1,6 @@
 #include "exchange/vcd_writer.h"
 
 #include "base/guard.h"
-#include "base/output_target.h"
 #include "base/text.h"
 #include "exchange/vcd_lane.h"
 #include "exchange/vcd_merge.h"
@@ -13,9 +12,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
-#include <filesystem>
 #include <set>
-#include <system_error>
 #include <utility>
 
 namespace quillpg {
@@ -232,22 +229,23 @@ Status CVcdWriter::Open(const std::string& path, const std::vector<VCD_INSTRUMEN
     if (instruments.empty() || Prepare(instruments, options, plan) != S_OK) {
       return Fail(E_FAIL, path + ": an instrument cannot be written as a dump");
     }
-    OUTPUT_TARGET target;
-    std::string error;
-    if (!ResolveOutputTarget(path, target, error)) return Fail(PG_E_FILE_NOT_OPENED, error);
-    m_path = target.path;
-    m_direct = target.direct;
+    if (Failed(m_file.Open(path, FileCare::Output))) {
+      return Fail(PG_E_FILE_NOT_OPENED, path + ": " + m_file.GetErrorText());
+    }
+    m_path = path;
+    if (plan.lanes.size() == 1) {
+      AddLane(CVcdOutput(m_file), plan, 0);
+      m_lanes[0]->Output().Append(plan.header);
+      return S_OK;
+    }
     m_header = plan.header;
     for (std::size_t i = 0; i < plan.lanes.size(); ++i) {
-      std::string part;
-      // A single lane into a device goes straight there.
-      std::FILE* file = m_direct && plan.lanes.size() == 1 ? std::fopen(m_path.c_str(), "wb")
-                                                           : OpenBeside(PartBase(), part);
-      if (!file) return Fail(PG_E_FILE_NOT_OPENED, path + ": " + std::strerror(errno));
-      m_parts.push_back(part);
-      AddLane(CVcdOutput(file), plan, i);
+      m_parts.push_back(std::make_unique<CVcdPart>());
+      if (!m_parts.back()->IsOpen()) {
+        return Fail(PG_E_FILE_NOT_OPENED, std::string("temporary file: ") + std::strerror(errno));
+      }
+      AddLane(CVcdOutput(*m_parts.back()), plan, i);
     }
-    if (m_lanes.size() == 1) m_lanes[0]->Output().Append(m_header);
     return S_OK;
   });
 }
@@ -266,13 +264,6 @@ Status CVcdWriter::OpenText(std::string& text, const VCD_INSTRUMENT& instrument,
   });
 }
 
-std::string CVcdWriter::PartBase() const {
-  if (!m_direct) return m_path;
-  std::error_code error;
-  const auto folder = std::filesystem::temp_directory_path(error);
-  return (error ? std::filesystem::path("quillpg") : folder / "quillpg").string();
-}
-
 void CVcdWriter::OnRun(const VECTOR_RUN& run) {
   for (const auto& lane : m_lanes) {
     if (lane->Module() == run.module) lane->Write(run);
@@ -283,40 +274,30 @@ Status CVcdWriter::Commit() {
   if (m_lanes.empty()) return E_FAIL;
   bool good = true;
   for (const auto& lane : m_lanes) good = lane->Finish() && good;
-  if (good && m_lanes.size() > 1) good = MergeLanes() == S_OK;
+  if (good && m_lanes.size() > 1) good = MergeLanes();
   if (!good)
     return Fail(E_FAIL, m_path + ": could not be written: the disk is full, or time runs over");
-  if (!m_path.empty() && !m_direct) {
-    std::error_code error;
-    std::filesystem::rename(m_parts.front(), m_path, error);
-    if (error) return Fail(E_FAIL, m_path + ": " + error.message());
-    m_parts.erase(m_parts.begin());
+  if (m_file.IsOpen() && Failed(m_file.Commit())) {
+    return Fail(E_FAIL, m_path + ": " + m_file.GetErrorText());
   }
   Discard();
   return S_OK;
 }
 
-// The lanes lie in a part each; the dump becomes one more part, first in the list.
-Status CVcdWriter::MergeLanes() {
-  std::string part;
-  std::FILE* file = m_direct ? std::fopen(m_path.c_str(), "wb") : OpenBeside(m_path, part);
-  if (!file) return E_FAIL;
-  CVcdOutput output(file);
-  output.Append(m_header);
-  const Status status = GuardAllocation([&] { return MergeChanges(m_parts, output); });
-  m_parts.insert(m_parts.begin(), part);
-  return output.Finish() ? status : E_FAIL;
+bool CVcdWriter::MergeLanes() {
+  return GuardAllocation([this] {
+           CVcdOutput output(m_file);
+           output.Append(m_header);
+           return MergeChanges(m_parts, output) && output.Finish() ? S_OK : E_FAIL;
+         }) == S_OK;
 }
 
 void CVcdWriter::Discard() {
-  m_lanes.clear();  // closes the parts
-  for (const std::string& part : m_parts) {
-    if (!part.empty()) RemoveFile(part);
-  }
+  m_lanes.clear();  // before what they write to
   m_parts.clear();
+  m_file.Discard();
   m_path.clear();
   m_header.clear();
-  m_direct = false;
 }
 
 }  // namespace quillpg

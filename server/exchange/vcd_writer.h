@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/atomic_file.h"
 #include "exchange/sample_period.h"
 #include "hardware/simulation/vector_sink.h"
 #include "quillpg/api.h"
@@ -14,6 +15,7 @@ namespace quillpg {
 
 class CVcdLane;
 class CVcdOutput;
+class CVcdPart;
 
 /// A signal of the dump: the channels of one instrument that make up a value.
 struct VCD_SIGNAL {
@@ -81,14 +83,14 @@ class QUILLPG_API CVcdWriter : public CVectorSink {
   static Status Prepare(const std::vector<VCD_INSTRUMENT>& instruments, const VCD_OPTIONS& options,
                         PLAN& plan);
   void AddLane(CVcdOutput output, PLAN& plan, std::size_t index);
-  std::string PartBase() const;
-  Status MergeLanes();
+  bool MergeLanes();
   Status Fail(Status status, std::string text);
 
   std::string m_path;
+  CAtomicFile m_file;
+  // With several instruments each writes a part, and Commit merges them.
   std::string m_header;
-  bool m_direct = false;             // the path is no regular file: nothing is renamed
-  std::vector<std::string> m_parts;  // files that lie beside the path until the end
+  std::vector<std::unique_ptr<CVcdPart>> m_parts;
   std::vector<std::unique_ptr<CVcdLane>> m_lanes;
   std::string m_errorText;
 };

@@ -7,7 +7,7 @@
 #include "base/guard.h"
 #include "base/setup_file_reader.h"
 #include "base/text.h"
-#include "persistence/atomic_file.h"
+#include "base/atomic_file.h"
 #include "persistence/fixed_section.h"
 #include "persistence/input_file.h"
 #include "persistence/work_mark.h"

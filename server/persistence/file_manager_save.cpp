@@ -7,7 +7,7 @@
 #include "hardware/module.h"
 #include "hardware/module_manager.h"
 #include "instrument/instrument_manager.h"
-#include "persistence/atomic_file.h"
+#include "base/atomic_file.h"
 #include "persistence/file_manager.h"
 #include "persistence/fixed_section.h"
 #include "persistence/program_parts.h"

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 
 namespace quillpg {
@@ -151,6 +152,8 @@ TEST(VcdWriter, TellsTwinsApartAndKeepsBlanksOut) {
 TEST(VcdWriterFile, AppearsOnlyWithCommit) {
   const CTemporaryFolder folder;
   const std::string path = folder.Write("out.vcd", "old");
+  constexpr auto kPrivate = static_cast<std::filesystem::perms>(0600);
+  std::filesystem::permissions(path, kPrivate);
   const auto instrument = MakeInstrument({{"A", "", {0}}});
   for (const bool commits : {false, true}) {
     CVcdWriter writer;
@@ -160,6 +163,7 @@ TEST(VcdWriterFile, AppearsOnlyWithCommit) {
     EXPECT_EQ(commits ? writer.Commit() : S_OK, S_OK);
   }
   EXPECT_TRUE(folder.Text("out.vcd").ends_with("#0\n1!\n#1\n"));
+  EXPECT_EQ(std::filesystem::status(path).permissions(), kPrivate);
   EXPECT_EQ(folder.Names().size(), 1u);
 }
 

@@ -1,4 +1,4 @@
-#include "persistence/atomic_file.h"
+#include "base/atomic_file.h"
 
 #include "support/temporary_folder.h"
 

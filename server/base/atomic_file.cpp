@@ -1,9 +1,10 @@
-#include "persistence/atomic_file.h"
+#include "base/atomic_file.h"
 
 #include "base/guard.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -68,28 +69,37 @@ bool OpensForWriting(const fs::path& path) {
 
 }  // namespace
 
-Status CAtomicFile::Open(const std::string& path) {
+Status CAtomicFile::Open(const std::string& path, FileCare care) {
   Discard();
-  return GuardAllocation(
-      [&] {
-        struct stat old {};
-        struct stat followed {};
-        const bool exists = FileInfo(path, old);
-        if (!exists && errno != ENOENT) return PG_E_FILE_NOT_OPENED;
-        m_target = FollowLinks(path);
-        if (m_target.filename().empty()) return PG_E_FILE_NOT_OPENED;
-        if (exists && S_ISDIR(old.st_mode)) return PG_E_FILE_NOT_OPENED;
-        // Links of the system that name no path (a process's own open files) end elsewhere.
-        const bool reached = !exists || (FileInfo(m_target, followed) && SameFile(old, followed));
-        if (!reached) m_target = path;
-        if (exists && (!reached || !S_ISREG(old.st_mode) || old.st_nlink > 1)) return OpenInPlace();
-        // The folder may allow what the file forbids.
-        if (exists && !OpensForWriting(m_target)) return PG_E_FILE_NOT_OPENED;
-        const Status status = OpenBeside();
-        return status == S_FALSE ? OpenInPlace() : status;
-      },
-      PG_E_FILE_NOT_OPENED);
+  m_care = care;
+  return GuardAllocation([&] { return OpenTarget(path); }, PG_E_FILE_NOT_OPENED);
 }
+
+Status CAtomicFile::OpenTarget(const std::string& path) {
+  struct stat old {};
+  struct stat followed {};
+  const bool exists = FileInfo(path, old);
+  if (!exists && errno != ENOENT) return Refuse(errno);
+  m_target = FollowLinks(path);
+  if (exists && S_ISDIR(old.st_mode)) return Refuse(EISDIR);
+  if (m_target.filename().empty()) return Refuse(ENOENT);
+  // Links of the system that name no path (a process's own open files) end elsewhere.
+  const bool reached = !exists || (FileInfo(m_target, followed) && SameFile(old, followed));
+  if (!reached) m_target = path;
+  if (exists && (!reached || !S_ISREG(old.st_mode))) return OpenInPlace();
+  if (exists && old.st_nlink > 1 && m_care == FileCare::Work) return OpenInPlace();
+  // The folder may allow what the file forbids.
+  if (exists && !OpensForWriting(m_target)) return Refuse(errno);
+  const Status status = OpenBeside();
+  return status == S_FALSE ? OpenInPlace() : status;
+}
+
+Status CAtomicFile::Refuse(int error) {
+  m_error = error;
+  return PG_E_FILE_NOT_OPENED;
+}
+
+std::string CAtomicFile::GetErrorText() const { return std::strerror(m_error); }
 
 // S_FALSE: the folder takes no new file. The lock comes before the truncation, and the name is
 // looked at again after it: the file may be another saver's, finished and renamed meanwhile.
@@ -99,11 +109,13 @@ Status CAtomicFile::OpenBeside() {
     m_file = ::open(m_temporary.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
                     kNewFile);
     if (m_file < 0) {
-      const bool closed = errno == EACCES || errno == EPERM || errno == EROFS;
+      const int error = errno;
+      const bool closed = error == EACCES || error == EPERM || error == EROFS;
       struct stat leftOver {};
       const bool taken = ::lstat(m_temporary.c_str(), &leftOver) == 0;
       m_temporary.clear();
-      return closed && !taken ? S_FALSE : PG_E_FILE_NOT_OPENED;
+      if (closed && !taken && m_care == FileCare::Work) return S_FALSE;
+      return Refuse(error);
     }
     const bool locked = Lock(m_file);
     if (locked && IsNamed(m_file, m_temporary)) {
@@ -116,7 +128,7 @@ Status CAtomicFile::OpenBeside() {
   // What stands under the name is not ours and stays.
   (void)Close();
   m_temporary.clear();
-  return PG_E_FILE_NOT_OPENED;
+  return Refuse(EBUSY);
 }
 
 // Before the first byte, so that the new file never shows more than the old one did. Another owner
@@ -137,17 +149,17 @@ bool CAtomicFile::TakeOverAttributes() {
 
 Status CAtomicFile::OpenInPlace() {
   m_temporary.clear();
-  // Not blocking: a pipe that nobody reads must not hold the engine.
-  m_file =
-      ::open(m_target.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kNewFile);
-  if (m_file < 0) return PG_E_FILE_NOT_OPENED;
+  // A pipe that nobody reads must not hold who saves his work.
+  const int wait = m_care == FileCare::Work ? O_NONBLOCK : 0;
+  m_file = ::open(m_target.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | wait, kNewFile);
+  if (m_file < 0) return Refuse(errno);
   struct stat info {};
   const bool regular = ::fstat(m_file, &info) == 0 && S_ISREG(info.st_mode);
   const int flags = ::fcntl(m_file, F_GETFL);
   const bool ready = flags >= 0 && ::fcntl(m_file, F_SETFL, flags & ~O_NONBLOCK) == 0;
   if (ready && (!regular || (Lock(m_file) && ::ftruncate(m_file, 0) == 0))) return S_OK;
   (void)Close();  // nothing was written
-  return PG_E_FILE_NOT_OPENED;
+  return Refuse(EBUSY);
 }
 
 Status CAtomicFile::Write(std::span<const std::uint8_t> bytes) {
@@ -156,6 +168,7 @@ Status CAtomicFile::Write(std::span<const std::uint8_t> bytes) {
     const ssize_t written = ::write(m_file, bytes.data(), bytes.size());
     if (written > 0) bytes = bytes.subspan(static_cast<std::size_t>(written));
     m_bad = written == 0 || (written < 0 && errno != EINTR);
+    if (m_bad) m_error = written == 0 ? ENOSPC : errno;
   }
   return m_bad ? E_FAIL : S_OK;
 }
@@ -163,12 +176,15 @@ Status CAtomicFile::Write(std::span<const std::uint8_t> bytes) {
 // The lock is held until the new name stands, so that no second saver truncates what is renamed.
 Status CAtomicFile::Commit() {
   if (!IsOpen()) return E_FAIL;
-  if (m_bad || !FlushToDisk() || !Replace()) {
+  if (m_bad || (m_care == FileCare::Work && !FlushToDisk()) || !Replace()) {
+    if (!m_bad) m_error = errno;
     Discard();
     return E_FAIL;
   }
   m_temporary.clear();
-  return Close() ? S_OK : E_FAIL;
+  if (Close()) return S_OK;
+  m_error = errno;
+  return E_FAIL;
 }
 
 bool CAtomicFile::FlushToDisk() const {
@@ -178,8 +194,12 @@ bool CAtomicFile::FlushToDisk() const {
 
 bool CAtomicFile::Replace() const {
   if (m_temporary.empty()) return true;
-  if (!IsNamed(m_file, m_temporary)) return false;
+  if (!IsNamed(m_file, m_temporary)) {
+    errno = ENOENT;  // somebody took it away
+    return false;
+  }
   if (::rename(m_temporary.c_str(), m_target.c_str()) != 0) return false;
+  if (m_care != FileCare::Work) return true;
   // The new name too must outlast a power cut; a folder that cannot be opened does without.
   const fs::path folder = m_target.has_parent_path() ? m_target.parent_path() : fs::path(".");
   const int directory = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
