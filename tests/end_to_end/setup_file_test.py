@@ -77,15 +77,6 @@ class Make(ToolTest):
                 self.run_good("check", "test.pgs")
                 self.run_good("run", "test.pgs", "--vcd", "pins.vcd", "--max-vectors", 500)
 
-    def test_a_program_of_events_never_waits_in_vain(self):
-        self.run_tool("testdata", "max-events", "test.pgs")
-        # Each event has a row for every state of the inputs E7 to E0.
-        self.assertEqual(0, self.run_tool("run", "test.pgs", "--quiet").returncode)
-
-    def test_merged_modules_make_one_instrument(self):
-        self.assertEqual(0, self.run_tool("testdata", "cell", "two.pgs", "--modules", "2").returncode)
-        self.assertIn("2 modules", self.run_tool("info", "two.pgs").stdout)
-
 
 if __name__ == "__main__":
     unittest.main()

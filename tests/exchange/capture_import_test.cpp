@@ -70,7 +70,6 @@ TEST(CaptureImport, ChoosesTheLeastHardwareAndPlaysTheCapture) {
   const Row rows[] = {
       {"shorter than a block", 3, 7, 10, Noise, kFull, 1, false},
       {"pulses and idle times", 8, 300'000, 10, Pulse, kFull, 1, false},
-      {"two modules", 65, 300, 1000, Noise, kFull, 2, false},
       {"five modules", 320, 100, 10, Noise, kFull, 5, false},
       {"only HALF mode is fast enough", 33, 100, 4, Noise, kHalf, 2, false},
       {"only FULL mode is slow enough", 3, 100, 1'500'000'000, Noise, kFull, 1, false},

@@ -107,7 +107,6 @@ TEST(VcdWriter, TakesTheCoarsestTimescaleThatHoldsThePeriod) {
     const char* stamps;  // of the third vector and behind it
   };
   const Row rows[] = {
-      {{1, 1}, 0, "1 s", "#2\n1!\n#3"},
       {{1, 16000000}, 0, "100 ps", "#1250\n1!\n#1875"},
       {{3, 100000}, 0, "10 us", "#6\n1!\n#9"},
       {{1, 24000000}, -10, "100 ps", "#833\n1!\n#1250"},

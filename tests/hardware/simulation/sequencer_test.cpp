@@ -89,10 +89,8 @@ TEST(Sequencer, PlaysLinesWaitsAndJumps) {
       {"lines in order", "0,1,0,0,0,1,1,2,0,0,0,1", kLevel, "", 20, "abcdede IDL"},
       {"ends with the last vector", "0,1,0,0,0,1", kLevel, "", 3, "abc IDL"},
       {"negative repeat", "2,-7,0,0,0,1", kLevel, "", 20, "f IDL"},
-      {"endless", "1,0,0,0,0,1", kLevel, "", 5, "deded RUNN"},
 
       {"holds the last vector", "0,1,0,0,0,1,2,1,1,0,0,1", kLevel, "000001", 20, "abcccf IDL"},
-      {"still waiting", "0,1,0,0,0,1,2,1,1,0,0,1", kLevel, "", 6, "abcccc WAIT"},
       {"event never defined", "2,1,7,0,0,1", kLevel, "1", 4, ".... WAIT"},
       {"event without rows", "2,1,3,0,0,1", kLevel, "1", 4, ".... WAIT"},
       {"edge: high at first", "2,1,1,0,0,1", kEdge, "1101", 20, "...f IDL"},
@@ -154,7 +152,6 @@ TEST(Sequencer, HostCallsWhileItRuns) {
        "abcfff IDL"},
       {"abort", "0,0,0,0,0,1", "", 2, &CSorrelModule::Abort, "ab IDL"},
       {"idle: advance", "2,1,0,0,0,1", "", 2, &CSorrelModule::Advance, "f IDL"},
-      {"idle: jump", "2,1,0,0,0,1", "", 2, &CSorrelModule::Jump, "f IDL"},
       {"initiate", "0,0,0,0,0,1", "", 2, &CSorrelModule::Initiate, "ab INIT"},
   };
   for (const ROW& row : rows) {
@@ -180,7 +177,6 @@ TEST(Sequencer, RepeatsAreOneRun) {
       {"0,65536,0,0,0,1", "", 196608, 1},
       {"0,65536,0,1,9,1", "0000000000", 196608, 1},  // nothing to jump for
       {"0,65536,0,1,9,1", "0000000001", 12, 2},      // repetitions before the event, the last one
-      {"0,1,0,0,0,1,2,1,1,0,0,1", "0000000001", 10, 3},  // block, held vectors, block
   };
   for (const ROW& row : rows) {
     SCOPED_TRACE(row.sequence);
