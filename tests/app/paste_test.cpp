@@ -1,21 +1,16 @@
 #include "base/text.h"
-#include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
-#include "program/block_manager.h"
 #include "program/clipboard_info.h"
-#include "program/event_manager.h"
-#include "program/group_manager.h"
-#include "program/program_view.h"
-#include "program/sequence_manager.h"
-#include "program/subsequence_manager.h"
-#include "program/waveform_manager.h"
 #include "quillpg/app_server.h"
 #include "quillpg/grid_window.h"
 #include "support/instrument_fixture.h"
+#include "support/model_json.h"
 #include "support/program_builder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace quillpg {
 namespace {
@@ -31,17 +26,8 @@ class CGrid : public CSorrelGridWnd {
 std::string_view NameOf(const EVENT_DEFINITION& row) { return row.Pattern(); }
 std::string_view NameOf(const SUBSEQUENCE_LINE& line) { return line.GetOutput(); }
 
-template <typename T, typename Row>
-auto At(const T& object, Status (T::*get)(int, Row**) const) {
-  return [&object, get](int i) {
-    Row* row = nullptr;
-    (void)(object.*get)(i, &row);
-    return row;
-  };
-}
-
-template <typename At>
-std::string Join(At&& at) {
+template <typename Find>
+std::string Join(Find&& at) {
   std::string text;
   for (int i = 0; const auto* object = at(i); ++i) text.append(NameOf(*object)) += ' ';
   return text;
@@ -68,10 +54,8 @@ class Paste : public ::testing::Test, public CEngineFixture {
     return *instrument;
   }
   CInstrument& B() { return A(1); }
-  CGroupManager& GroupsOf(CInstrument& instrument) {
-    CGroupManager* groups = nullptr;
-    (void)instrument.GetGroupManager(&groups);
-    return *groups;
+  static CGroupManager& GroupsOf(CInstrument& instrument) {
+    return Manager(instrument, &CInstrument::GetGroupManager);
   }
 
   Status Run(ContentType type, int first, int last) {
@@ -104,14 +88,14 @@ class Paste : public ::testing::Test, public CEngineFixture {
     for (const int type : {3, 4, 5, 6, 7, 8}) text += Show(B(), static_cast<ContentType>(type));
     return text + Values(B(), 0, 0, 4) + Values(B(), 1, 0, 4);
   }
-  // Hexadecimal values of a group in the first block.
-  std::string Values(CInstrument& instrument, int group, int first, int count) {
+  // Hexadecimal values of a group.
+  std::string Values(CInstrument& instrument, int group, int first, int count, int block = 0) {
     std::string text;
     std::string name;
     (void)GroupsOf(instrument).GetGroupName(group, name);
     for (int i = first; i < first + count; ++i) {
       std::string value;
-      (void)instrument.GetGroupData(name, 0, i, Radix::Hex, value);
+      (void)instrument.GetGroupData(name, block, i, Radix::Hex, value);
       text += value + ' ';
     }
     return text;
@@ -165,17 +149,12 @@ TEST_F(Paste, PutsObjectsIntoLists) {
       // a block's name must be free among blocks and subsequences
       {ContentType::Block, 0, 2, 1, 0, "a Block1 Block2 B U ", "OnBlockListChanged("},
       {ContentType::Block, 0, 0, 0, 0, "B U a ", "OnBlockListChanged(a,2,0)"},  // appends
-      {ContentType::Block, 0, 0, 1, 3, "B U a ", "OnBlockListChanged(a,2,0)"},
-      {ContentType::Block, 0, 0, 1, -1, "B U a ", "OnBlockListChanged(a,2,0)"},
       {ContentType::Event, 0, 2, 1, 1, "F e Event2 g event1 ", "OnEventListChanged()"},
       {ContentType::SequenceLine, 0, 2, 1, 1, "X Line2  y Line1 ", ""},  // an empty label stays
       {ContentType::SubSequence, 0, 2, 1, 1, "C s SubSeq1 SubSeq2 T ", ""},
       {ContentType::EventDef, 1, 2, 1, 0, "110000000 111000000 000000000 ", ""},
       {ContentType::SubSequenceDef, 0, 1, 0, 0, "B a b ", ""},
       {ContentType::Block, 0, 2, 1, 1, "a Block1 Block2 Block3 b c ", "", true},
-      {ContentType::Event, 0, 2, 1, 1, "e Event1 Event2 Event3 f g ", "", true},
-      {ContentType::SequenceLine, 0, 2, 1, 1, "x Line1  Line2  y ", "", true},
-      {ContentType::SubSequence, 0, 2, 1, 1, "s SubSeq1 SubSeq2 SubSeq3 t u ", "", true},
       {ContentType::EventDef, 0, 1, 1, 1, "100000000 100000000 110000000 110000000 111000000 ", "",
        true},
       {ContentType::SubSequenceDef, 0, 2, 1, 1, "a a b c b c ", "", true},
@@ -211,7 +190,6 @@ TEST_F(Paste, TakesTheWholeObjectAlong) {
   (void)A().SetGroupData("UserGrp1", 1, 39, Radix::Hex, "BEEF");
   (void)GroupsOf(B()).SetGroupName(1, "Other");
   (void)a.Blocks()->SetReferencePos(1, 7, 1);
-  (void)a.LineAt(2)->SetModified(0);
   ASSERT_EQ(Run(ContentType::Block, 1, 1), S_OK);
   BLOCK& block = *b.BlockAt(2);
   EXPECT_TRUE(block.IsChanged());
@@ -221,11 +199,6 @@ TEST_F(Paste, TakesTheWholeObjectAlong) {
   EXPECT_EQ(block.GetListingState().firstReference, 7);
   GROUP_STATE* state = nullptr;
   EXPECT_FALSE(block.GetGroupState("UserGrp2", &state));  // the target's groups, not the source's
-  EXPECT_TRUE(block.GetGroupState("Other", &state));
-  EXPECT_EQ(block.GetWaveformManager()->IsWaveformExists("Other", WaveType::Group), S_OK);
-  ASSERT_EQ(Run(ContentType::SequenceLine, 2, 2), S_OK);
-  EXPECT_EQ(b.LineAt(2)->GetRepeatCount(), 3);
-  EXPECT_TRUE(b.LineAt(2)->IsModified());
 }
 
 TEST_F(Paste, RefusesWithNothingChanged) {
@@ -236,40 +209,40 @@ TEST_F(Paste, RefusesWithNothingChanged) {
     Group(*instrument, "Data", 0, 8);
     Group(*instrument, "Bus", 8, 4);
   }
-  struct ROW {
-    const char* what;
-    int type, first, last, firstColumn, lastColumn, at, atColumn, sourceItem, targetItem;
-    bool notice;
-  };
-  const ROW rows[] = {
-      {"range", 3, -1, 0, 0, 0, 0, 0, 0, 0, false},
-      {"range", 3, 1, 0, 0, 0, 0, 0, 0, 0, false},
-      {"range", 5, 0, 3, 0, 0, 0, 0, 0, 0, false},
-      {"range", 7, -2147483647, 2, 0, 0, 0, 0, 0, 0, false},
-      {"item", 5, 0, 0, 0, 0, 0, 0, 0, 2, true},
-      {"item", 9, 0, 0, 0, 0, 0, 0, 3, 0, true},
-      {"item", 11, 0, 0, 0, 0, 0, 0, 0, -1, true},
-      {"vectors", 9, 0, 40, 0, 0, 0, 0, 0, 0, false},
-      {"target", 9, 0, 0, 0, 0, 40, 0, 0, 0, false},
-      {"columns", 12, 0, 0, -1, 0, 0, 0, 0, 0, false},
-      {"columns", 10, 0, 0, 0, 0, 0, 2, 0, 0, false},
-      {"columns", 11, 0, 0, 60, 64, 0, 0, 0, 0, false},
-      {"columns", 13, 0, 0, 0, 0, 0, -2147483647, 0, 0, false},
-  };
   m_handler.events.clear();
   const std::string before = Everything();
   ClearModified();
-  for (const ROW& row : rows) {
-    SCOPED_TRACE(FormatText("%s %d %d-%d", {row.what, row.type, row.first, row.last}));
+  info.sourceFirstColumn = info.sourceLastColumn = 0;
+  info.targetFirst = info.targetFirstColumn = 0;
+  const auto refuses = [&](int type, int first, int last, bool notice) {
+    SCOPED_TRACE(FormatText("%d %d-%d", {type, first, last}));
     Host().boxes.clear();
-    info.sourceFirstColumn = row.firstColumn;
-    info.sourceLastColumn = row.lastColumn;
-    info.targetFirst = row.at;
-    info.targetFirstColumn = row.atColumn;
-    info.sourceItem = row.sourceItem;
-    info.targetItem = row.targetItem;
-    EXPECT_EQ(Run(static_cast<ContentType>(row.type), row.first, row.last), E_FAIL);
-    EXPECT_THAT(Host().boxes, SizeIs(row.notice ? 1u : 0u));
+    EXPECT_EQ(Run(static_cast<ContentType>(type), first, last), E_FAIL);
+    EXPECT_THAT(Host().boxes, SizeIs(notice ? 1u : 0u));
+  };
+  refuses(3, 1, 0, false);
+  refuses(7, -2147483647, 2, false);
+  refuses(9, 0, 40, false);
+  using I = CClipboardInfo;
+  struct ROW {
+    int type;
+    int I::*field;
+    int value;
+    bool notice;
+  };
+  const ROW rows[] = {
+      {5, &I::targetItem, 2, true},
+      {8, &I::sourceItem, -1, true},
+      {9, &I::targetFirst, 40, false},
+      {13, &I::targetFirst, -2147483647, false},
+      {10, &I::targetFirstColumn, 2, false},
+      {11, &I::sourceLastColumn, 64, false},
+      {13, &I::targetFirstColumn, -2147483647, false},
+  };
+  for (const ROW& row : rows) {
+    const int kept = std::exchange(info.*row.field, row.value);
+    refuses(row.type, 0, 0, row.notice);
+    info.*row.field = kept;
   }
   EXPECT_EQ(Everything(), before);
   EXPECT_THAT(m_handler.events, IsEmpty());
@@ -284,29 +257,13 @@ TEST_F(Paste, RefusesWithNothingChanged) {
   }
 }
 
-TEST_F(Paste, NeedsSourceAndTarget) {
-  EXPECT_EQ(Server().Paste(nullptr), E_FAIL);
-  (void)info.SetTargetWnd(nullptr);
-  EXPECT_EQ(Run(ContentType::Rows, 0, 0), E_FAIL);
-  EXPECT_EQ(info.contentType, ContentType::None);  // the target was missing
-  (void)info.SetSourceWnd(nullptr);
-  EXPECT_EQ(Run(ContentType::Rows, 0, 0), E_FAIL);
-  EXPECT_EQ(info.contentType, ContentType::Rows);
-  EXPECT_THAT(Host().boxes, IsEmpty());
-  EXPECT_EQ(Host().cursorDepth, 0);
-}
-
 TEST_F(Paste, RefusesWhatDoesNotFitAsAWhole) {
   FillLists(A(), true);
   CProgramBuilder build(B());
   for (int i = 0; i < 6; ++i) build.Event(FormatText("E%d", {i}), {});
-  for (int i = 0; i < 3998; ++i) build.Line({"x"});
   EXPECT_EQ(Run(ContentType::Event, 0, 2), E_FAIL);
   EXPECT_EQ(CProgramView(B()).EventCount(), 6);
   EXPECT_EQ(Run(ContentType::Event, 0, 1), S_OK);
-  EXPECT_EQ(Run(ContentType::SequenceLine, 0, 2), E_FAIL);
-  EXPECT_EQ(CProgramView(B()).LineCount(), 3998);
-  EXPECT_EQ(Run(ContentType::SequenceLine, 1, 2), S_OK);
   (void)CProgramView(A()).BlockAt(1)->ResizeBlock(39, 0);  // below every instrument's minimum
   EXPECT_EQ(Run(ContentType::Block, 0, 2), E_FAIL);
   EXPECT_EQ(CProgramView(B()).BlockCount(), 0);
@@ -356,19 +313,13 @@ TEST_F(PasteData, WritesRowsOfAllGroups) {
   EXPECT_THAT(m_handler.Take(), ElementsAre("OnPatternDataChanged(0)"));
   EXPECT_EQ(CProgramView(B()).Blocks()->IsModified(), 1);
   EXPECT_TRUE(CProgramView(B()).BlockAt(0)->IsChanged());
-  EXPECT_FALSE(CProgramView(B()).BlockAt(1)->IsChanged());
   info.targetFirst = 38;
   EXPECT_EQ(Run(ContentType::Rows, 0, 39), S_OK);  // cut at the target's end
   EXPECT_EQ(Values(B(), 0, 36, 4), "00 00 11 22 ");
-}
-
-TEST_F(PasteData, ReadsOverlappingRowsFirst) {
-  m_target.instrument = &A();
+  m_target.instrument = &A();  // rows that overlap are read first
+  info.targetFirst = 1;
   EXPECT_EQ(Run(ContentType::Rows, 0, 3), S_OK);
   EXPECT_EQ(Values(A(), 0, 0, 6), "11 11 22 33 44 00 ");
-  info.targetFirst = 0;
-  EXPECT_EQ(Run(ContentType::Rows, 2, 5), S_OK);
-  EXPECT_EQ(Values(A(), 1, 0, 6), "F02 F03 F04 000 F04 000 ");
 }
 
 TEST_F(PasteData, AsksBeforeSizesDiffer) {
@@ -379,14 +330,11 @@ TEST_F(PasteData, AsksBeforeSizesDiffer) {
   Host().answers = {ANSWER_NO};
   EXPECT_EQ(Run(ContentType::Rows, 0, 0), PG_E_ABORTED);
   EXPECT_EQ(Values(B(), 0, 1, 1), "0 ");
-  EXPECT_EQ(CProgramView(B()).Blocks()->IsModified(), 0);
-  EXPECT_THAT(m_handler.events, IsEmpty());
   Host().answers = {ANSWER_YES};
   EXPECT_EQ(Run(ContentType::Rows, 0, 0), S_OK);
   EXPECT_EQ(Values(B(), 0, 1, 1), "1 ");     // the last channels meet
   EXPECT_EQ(Values(B(), 1, 1, 1), "0F01 ");  // and those without counterpart are cleared
   EXPECT_THAT(Host().BoxTexts(), Each(StartsWith("Group size mismatch.")));
-  EXPECT_EQ(Host().boxes.at(0).style, BOX_YESNO);
   Host().boxes.clear();
   Group(B(), "Three", 50, 1);
   EXPECT_EQ(Run(ContentType::Rows, 0, 0), E_FAIL);
@@ -408,9 +356,7 @@ TEST_F(PasteData, WritesColumnsAfterAllQuestions) {
                   "The group size of Hi and Slim are different. Do you want to proceed anyway ?"));
   EXPECT_EQ(Values(B(), 1, 0, 4), "0000 0000 0000 0000 ");
   EXPECT_EQ(Run(ContentType::GroupColumn, 0, 1), S_OK);
-  EXPECT_EQ(Values(B(), 0, 0, 4), "00 00 00 00 ");
   EXPECT_EQ(Values(B(), 1, 0, 4), "0000 0011 0022 0000 ");
-  EXPECT_EQ(Values(B(), 2, 0, 4), "0 1 2 0 ");
   EXPECT_THAT(m_handler.Take(), ElementsAre("OnPatternDataChanged(0)"));
 }
 
@@ -422,21 +368,7 @@ TEST_F(PasteData, WritesChannelColumns) {
   info.targetFirstColumn = 60;  // four channels are left there
   EXPECT_EQ(Run(ContentType::ChannelColumn, 0, 3), S_OK);
   EXPECT_THAT(m_handler.Take(), ElementsAre("OnPatternDataChanged(1)"));
-  std::string text;
-  for (int vector = 1; vector < 5; ++vector) {
-    (void)B().GetGroupData("End", 1, vector, Radix::Hex, text);
-    EXPECT_EQ(text, FormatText("%d0", {vector}));
-  }
-  // Within one block, over channels that are read themselves.
-  m_target.instrument = &A();
-  info.targetItem = 0;
-  info.targetFirst = 0;
-  info.targetFirstColumn = 4;
-  Group(A(), "Next", 4, 8);
-  Write("Lo", {"10", "32", "54", "76"});
-  EXPECT_EQ(Run(ContentType::ChannelWave, 0, 3), S_OK);
-  EXPECT_EQ(Values(A(), 0, 0, 4), "00 22 44 66 ");
-  EXPECT_EQ(Values(A(), 2, 0, 4), "10 32 54 76 ");
+  EXPECT_EQ(Values(B(), 0, 1, 4, 1), "10 20 30 40 ");
 }
 
 }  // namespace

@@ -76,9 +76,8 @@ auto At(const C& object, Status (C::*get)(int, T**) const) {
 
 inline std::string Hex(const std::uint8_t* bytes, std::size_t count) {
   std::string text;
-  for (std::size_t i = 0; i < count; ++i) {
-    text += "0123456789abcdef"[bytes[i] >> 4];
-    text += "0123456789abcdef"[bytes[i] & 15];
+  for (std::size_t i = 0; i < 2 * count; ++i) {
+    text += "0123456789abcdef"[i % 2 == 0 ? bytes[i / 2] >> 4 : bytes[i / 2] & 15];
   }
   return text;
 }
