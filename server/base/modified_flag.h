@@ -3,8 +3,8 @@
 namespace quillpg {
 
 /// "Changed since the last download", stored from the integer that the front end hands in (any
-/// non-zero value counts as set). Has a name of its own so that a search for Clear shows every place that
-/// forgets a change.
+/// non-zero value counts as set). Has a name of its own so that a search for Clear shows every
+/// place that forgets a change.
 class CModifiedFlag {
  public:
   constexpr CModifiedFlag() = default;

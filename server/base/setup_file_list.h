@@ -32,8 +32,9 @@ inline constexpr LIST_NAMES EVENT_LIST = {"event count", "event", LEAST_EVENT_BY
 inline constexpr LIST_NAMES EVENT_DEFINITION_LIST = {"event definition count", "event definition",
                                                      LEAST_EVENT_DEFINITION_BYTES};
 
-/// Appends the records of a file to the list, each read by `read(object)`. The list's own limit does
-/// not hold: what is too much, the compiler reports. After a failure the records read so far stay.
+/// Appends the records of a file to the list, each read by `read(object)`. The list's own limit
+/// does not hold: what is too much, the compiler reports. After a failure the records read so far
+/// stay.
 template <typename T, typename Read>
 Status ReadRecords(CSetupFileReader& reader, const LIST_NAMES& names, COrderedList<T>& list,
                    Read&& read) {

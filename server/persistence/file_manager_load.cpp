@@ -1,11 +1,11 @@
 // Loading: instruments are made from the head of the file and filled from its records.
 
 #include "app/setup_stream.h"
+#include "base/atomic_file.h"
 #include "base/guard.h"
 #include "base/text.h"
 #include "hardware/module_manager.h"
 #include "instrument/instrument_manager.h"
-#include "base/atomic_file.h"
 #include "persistence/file_manager.h"
 #include "persistence/fixed_section.h"
 #include "persistence/input_file.h"

@@ -1,13 +1,13 @@
 // Saving: the head from the live system, the records of the instruments, and what they take.
 
 #include "app/version_info.h"
+#include "base/atomic_file.h"
 #include "base/byte_stream.h"
 #include "base/guard.h"
 #include "base/local_time.h"
 #include "hardware/module.h"
 #include "hardware/module_manager.h"
 #include "instrument/instrument_manager.h"
-#include "base/atomic_file.h"
 #include "persistence/file_manager.h"
 #include "persistence/fixed_section.h"
 #include "persistence/program_parts.h"

@@ -1,10 +1,10 @@
 // What a front end does first, with nothing but the installed headers and library.
-#include <cstdio>
-#include <string>
-
 #include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
 #include "quillpg/app_server.h"
+
+#include <cstdio>
+#include <string>
 
 int main() {
   quillpg::CAppServer* server = nullptr;
