@@ -74,28 +74,5 @@ TEST(FillChannelData, IsOneStepAVectorChannelAfterChannel) {
   }
 }
 
-TEST(FillChannelData, RefusesWhatIsMissingAndWritesNothingThen) {
-  CInstrumentFixture engine;
-  CShiftRegisterGenerator generator;
-  CInstrument& instrument = engine.Instrument();
-  const std::vector<std::uint8_t> before = DataOf(engine);
-  EXPECT_EQ(instrument.FillChannelData(0, 1, 0, 39, generator), E_FAIL);
-  EXPECT_EQ(instrument.FillChannelData(64, 0, 0, 39, generator), E_FAIL);
-  EXPECT_EQ(instrument.FillChannelData(std::vector<int>{0, -1}, 0, 0, 39, generator), E_FAIL);
-  EXPECT_EQ(before, DataOf(engine));
-  EXPECT_EQ(generator.getNextData(), 1);
-
-  BLOCK& block = engine.BlockAt(0);
-  (void)block.SetChanged(0);
-  (void)engine.Blocks().SetModified(0);
-  EXPECT_EQ(instrument.FillChannelData(0, 0, 40, 50, generator), S_OK);
-  EXPECT_FALSE(block.IsChanged());
-  EXPECT_EQ(instrument.FillChannelData(0, 0, 39, 50, generator), S_OK);
-  EXPECT_TRUE(block.IsChanged());
-  EXPECT_EQ(engine.Blocks().IsModified(), 1);
-  block.DeAllocateBlockData();
-  EXPECT_EQ(instrument.FillChannelData(0, 0, 0, 39, generator), E_FAIL);
-}
-
 }  // namespace
 }  // namespace quillpg

@@ -90,69 +90,6 @@ TEST(GroupData, AgreesWithThePlainConversion) {
   }
 }
 
-TEST(GroupData, FailsOnlyForGroupBlockAndRadix) {
-  CInstrumentFixture fixture;
-  CInstrument& instrument = fixture.Instrument();
-  const auto unknown = static_cast<Radix>(7);
-  struct Row {
-    const char* group;
-    int block;
-    Radix radix;
-    Status status;
-    const char* text;
-  };
-  const Row rows[] = {
-      {"UserGrp1", 0, Radix::Hex, S_OK, "FFFF"},
-      {"Missing", 0, Radix::Hex, E_FAIL, "stale"},
-      {"UserGrp1", 1, Radix::Hex, E_FAIL, "stale"},
-      {"UserGrp1", -1, Radix::Decimal, E_FAIL, "stale"},
-      {"UserGrp1", 0, unknown, E_FAIL, ""},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(std::string(row.group) + " " + std::to_string(row.block));
-    std::string text = "stale";
-    EXPECT_EQ(instrument.GetGroupData(row.group, row.block, 0, row.radix, text), row.status);
-    EXPECT_EQ(text, row.text);
-    EXPECT_EQ(instrument.SetGroupData(row.group, row.block, 0, row.radix, "FFFF"), row.status);
-  }
-  std::string text;
-  EXPECT_EQ(instrument.GetGroupData("UserGrp1", 0, 40, Radix::Hex, text), S_OK);
-  EXPECT_EQ(text, "0000") << "past the end of the block";
-}
-
-TEST(GroupData, WritesARunOfVectorsCutAtTheBlock) {
-  struct Row {
-    int vector;
-    int count;
-    int first, end;  // vectors that change
-  };
-  const Row rows[] = {
-      {3, 1, 3, 4},           {3, 0, 3, 4},
-      {3, -5, 3, 4},          {10, 4, 10, 14},
-      {38, 9, 38, 40},        {40, 1, 0, 0},
-      {-2, 4, 0, 2},          {-2, 1, 0, 0},
-      {0, 2147483647, 0, 40}, {2147483647, 2147483647, 0, 0},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(std::to_string(row.vector) + ", " + std::to_string(row.count));
-    CInstrumentFixture fixture;
-    BLOCK& block = fixture.BlockAt(0);
-    (void)block.SetChanged(0);
-    (void)fixture.Blocks().SetModified(0);
-    EXPECT_EQ(
-        fixture.Instrument().SetGroupData("UserGrp2", 0, row.vector, Radix::Hex, "1234", row.count),
-        S_OK);
-    for (int i = 0; i < 40; ++i) {
-      std::string text;
-      (void)fixture.Instrument().GetGroupData("UserGrp2", 0, i, Radix::Hex, text);
-      EXPECT_EQ(text, i >= row.first && i < row.end ? "1234" : "FFFF") << i;
-    }
-    const bool wrote = row.first < row.end;
-    EXPECT_EQ(block.IsChanged(), wrote);
-    EXPECT_EQ(fixture.Blocks().IsModified(), wrote ? 1 : 0);
-  }
-}
-
 TEST(GroupData, SingleBitsAreBoundedByTheBlockItself) {
   CInstrumentFixture fixture;
   CInstrument& instrument = fixture.Instrument();
@@ -207,17 +144,6 @@ TEST(GroupData, PodDHoldsPodsInHighImpedance) {
     EXPECT_EQ(instrument.SetChannelInhibitMask(0, 0, 5, 1), E_FAIL);
     EXPECT_EQ(instrument.GetChannelInhibitMask(pod, 0, 5, mask), E_FAIL);
     EXPECT_EQ(instrument.SetChannelInhibitMask(pod, 0, 5, 0), E_FAIL);
-
-    GROUP* group = nullptr;
-    ASSERT_EQ(fixture.Groups().AddGroup("Mixed"), S_OK);
-    ASSERT_EQ(fixture.Groups().GetGroup("Mixed", &group), S_OK);
-    for (const int channel : {slave, pod, -3, slave + 1, 0, 5000})
-      (void)group->AddChannel(channel, -1);
-    std::string text;
-    EXPECT_EQ(instrument.GetGroupInhibitMask("Mixed", 0, 6, Radix::Binary, text), S_OK);
-    EXPECT_EQ(text, "100100");
-    EXPECT_EQ(instrument.GetGroupInhibitMask("Mixed", 0, 5, Radix::Decimal, text), S_OK);
-    EXPECT_EQ(text, "0");
   }
 }
 

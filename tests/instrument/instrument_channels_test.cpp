@@ -79,83 +79,23 @@ TEST(InstrumentChannels, NamesAreUniqueAmongUserAndDefaultNames) {
   EXPECT_EQ(channel, -1);
 }
 
-TEST(InstrumentChannels, UserNamesGoBeforeDefaultNames) {
-  CInstrumentFixture fixture(2);
-  CInstrument& instrument = fixture.Instrument();
-  // Channel 15 of pod D of the slave; in HALF mode that name is out of sight.
-  ASSERT_EQ(instrument.SetChannelName(127, "Last"), S_OK);
-  EXPECT_EQ(Ask(instrument, &CInstrument::GetChannelId, "last"), 127);
-  // A name that becomes another channel's default name is still found as a user name.
-  ASSERT_EQ(instrument.SetChannelName(5, "B0(0)"), S_OK);
-  ASSERT_EQ(instrument.RemoveModuleAt(1), S_OK);
-  EXPECT_EQ(Ask(instrument, &CInstrument::GetChannelId, "B0(0)"), 5);
-  int channel = 0;
-  EXPECT_EQ(instrument.GetChannelId("Last", channel), E_FAIL);
-  EXPECT_EQ(channel, -1);
-}
-
-class CGroupEdit {
- public:
-  CGroupEdit() {
-    (void)m_fixture.Groups().DeleteAll();
-    (void)m_fixture.Groups().AddGroup("Bus");
-    (void)m_fixture.Groups().AddGroup("Other");
-    (void)Instrument().AddChannelToGroup("Other", 0, -1);
-  }
-  CInstrument& Instrument() { return m_fixture.Instrument(); }
-  GROUP& Bus() {
-    GROUP* group = nullptr;
-    (void)m_fixture.Groups().GetGroup("Bus", &group);
-    return *group;
-  }
-
- private:
-  CInstrumentFixture m_fixture;
-};
-
-TEST(InstrumentChannels, EnterGroupsOnceAndWhereAsked) {
-  struct Row {
-    int channel;
-    int position;
-    Status status;
-    std::vector<int> channels;
-    const char* names;
-  };
-  const Row rows[] = {
-      {0, -1, S_OK, {0}, "A0(0)"},  // another group's channel is welcome
-      {0, -1, E_FAIL, {0}, "A0(0)"},
-      {1, 0, S_OK, {1, 0}, "A0(1),A0(0)"},
-      {2, 1, S_OK, {1, 2, 0}, "A0(1),A0(2),A0(0)"},
-      {3, 99, S_OK, {1, 2, 0, 3}, "A0(1),A0(2),A0(0),A0(3)"},  // no filling up to the position
-      {64, 0, E_FAIL, {1, 2, 0, 3}, "A0(1),A0(2),A0(0),A0(3)"},
-      {-1, 0, E_FAIL, {1, 2, 0, 3}, "A0(1),A0(2),A0(0),A0(3)"},
-  };
-  CGroupEdit edit;
-  for (const Row& row : rows) {
-    SCOPED_TRACE(std::to_string(row.channel) + " at " + std::to_string(row.position));
-    EXPECT_EQ(edit.Instrument().AddChannelToGroup(" BUS ", row.channel, row.position), row.status);
-    EXPECT_EQ(edit.Bus().Channels(), row.channels);
-    EXPECT_EQ(edit.Bus().GetChannelNames(), row.names);
-  }
-  EXPECT_EQ(edit.Instrument().AddChannelToGroup("None", 5, -1), E_FAIL);
-  EXPECT_EQ(edit.Instrument().DeleteChannelFromGroup("Bus", 2), S_OK);
-  EXPECT_EQ(edit.Bus().GetChannelNames(), "A0(1),A0(0),A0(3)");
-  EXPECT_EQ(edit.Instrument().DeleteChannelFromGroup("Bus", 2), E_FAIL);
-}
-
 TEST(InstrumentChannels, SectionsMoveEightChannelsAtATime) {
-  CGroupEdit edit;
-  CInstrument& instrument = edit.Instrument();
+  CInstrumentFixture fixture;
+  CInstrument& instrument = fixture.Instrument();
+  ASSERT_EQ(fixture.Groups().AddGroup("Bus"), S_OK);
+  GROUP* bus = nullptr;
+  ASSERT_EQ(fixture.Groups().GetGroup("Bus", &bus), S_OK);
   ASSERT_EQ(instrument.SetChannelName(12, "Mid"), S_OK);
-  ASSERT_EQ(instrument.AddChannelToGroup("Bus", 40, -1), S_OK);
+  ASSERT_EQ(instrument.AddChannelToGroup("Bus", 40, 99), S_OK);  // no filling up to the position
+  EXPECT_EQ(instrument.AddChannelToGroup("Bus", 40, -1), E_FAIL);
   ASSERT_EQ(instrument.AddChannelToGroup("Bus", 12, -1), S_OK);
   EXPECT_EQ(instrument.AddSectionToGroup("Bus", 1, 1), S_OK);  // but for 12, already there
-  EXPECT_THAT(edit.Bus().Channels(), ElementsAre(40, 15, 14, 13, 11, 10, 9, 8, 12));
-  EXPECT_EQ(edit.Bus().GetChannelNames(), "C1(0),A1(7),A1(6),A1(5),A1(3),A1(2),A1(1),A1(0),Mid");
+  EXPECT_THAT(bus->Channels(), ElementsAre(40, 15, 14, 13, 11, 10, 9, 8, 12));
+  EXPECT_EQ(bus->GetChannelNames(), "C1(0),A1(7),A1(6),A1(5),A1(3),A1(2),A1(1),A1(0),Mid");
   EXPECT_EQ(instrument.AddSectionToGroup("Bus", 8, -1), E_FAIL);
   EXPECT_EQ(instrument.AddSectionToGroup("Bus", -1, -1), E_FAIL);
   EXPECT_EQ(instrument.DeleteSectionFromGroup("Bus", 1), S_OK);
-  EXPECT_THAT(edit.Bus().Channels(), ElementsAre(40));
+  EXPECT_THAT(bus->Channels(), ElementsAre(40));
   EXPECT_EQ(instrument.DeleteSectionFromGroup("Bus", 1), E_FAIL);
   EXPECT_EQ(instrument.DeleteSectionFromGroup("Bus", 2147483647), E_FAIL);
 }

@@ -1,6 +1,5 @@
 #include "instrument/instrument_manager.h"
 
-#include "hardware/module_manager.h"
 #include "instrument/instrument.h"
 #include "program/clipboard_info.h"
 #include "quillpg/app_server.h"
@@ -44,29 +43,6 @@ class InstrumentManager : public testing::Test {
   CEngineFixture m_engine{5};
 };
 
-TEST_F(InstrumentManager, TheDefaultSystemHasOneInstrumentForEachModule) {
-  EXPECT_EQ(Current(), 0);
-  (void)List().SetComment("old");
-  (void)List().SetFileName("old");
-  (void)List().AddInstrument(Make("old"));
-  EXPECT_EQ(List().Default(), S_OK);
-  EXPECT_EQ(NamesOfAll(), (Names{"PG 1", "PG 2", "PG 3", "PG 4", "PG 5"}));
-  EXPECT_EQ(Current(), 0);
-  EXPECT_EQ(Ask(List(), &CInstrumentManager::GetComment), "");
-  EXPECT_EQ(Ask(List(), &CInstrumentManager::GetFileName), "");
-  EXPECT_EQ(Ask(*At(4), &CInstrument::GetNoOfModules), 1);
-  EXPECT_EQ(m_engine.Host().cursorDepth, 0);
-
-  EXPECT_EQ(List().Initialize(nullptr), S_OK);  // stores it and leaves the list alone
-  EXPECT_EQ(Count(), 5);
-  EXPECT_EQ(List().Initialize(), S_OK);
-  EXPECT_EQ(Count(), 0);
-  EXPECT_EQ(Current(), -1);
-  CInstrument* current = At(0);
-  EXPECT_EQ(List().GetCurrentInstrument(&current), S_OK);
-  EXPECT_EQ(current, nullptr);
-}
-
 TEST_F(InstrumentManager, GrowsWithEmptyEntriesAndRefusesWhatItCannotHold) {
   EXPECT_EQ(List().AddInstrument(Make("a")), S_OK);
   EXPECT_EQ(List().AddInstrument(Make("b")), S_OK);
@@ -92,21 +68,6 @@ TEST_F(InstrumentManager, GrowsWithEmptyEntriesAndRefusesWhatItCannotHold) {
   EXPECT_EQ(m_engine.Server().Download(), S_OK);
 }
 
-TEST_F(InstrumentManager, DeletesByNameAndPositionAndLeavesTheCurrentPosition) {
-  (void)List().Default();
-  (void)List().SetCurrentInst(4);
-  EXPECT_EQ(List().DeleteInstrument("pg 2"), S_OK);
-  EXPECT_EQ(List().DeleteInstrument("pg 2"), E_FAIL);
-  EXPECT_EQ(List().DeleteInstrumentAt(0), S_OK);
-  EXPECT_EQ(List().DeleteInstrumentAt(3), E_FAIL);
-  EXPECT_EQ(List().DeleteInstrumentAt(-1), E_FAIL);
-  EXPECT_EQ(Count(), 3);
-  EXPECT_EQ(Current(), 4);
-  CInstrument* current = At(0);
-  EXPECT_EQ(List().GetCurrentInstrument(&current), S_OK);
-  EXPECT_EQ(current, nullptr);
-}
-
 // The same instrument may be listed twice: whatever destroys it must do so once.
 TEST_F(InstrumentManager, DestroysAnInstrumentOnce) {
   CInstrument* twice = Make("twice");
@@ -118,106 +79,6 @@ TEST_F(InstrumentManager, DestroysAnInstrumentOnce) {
   for (int i = 0; i < 3; ++i) (void)List().AddInstrument(twice);
   EXPECT_EQ(List().DeleteAll(), S_OK);
   EXPECT_EQ(Count(), 0);
-}
-
-TEST_F(InstrumentManager, LooksUpNamesAndObjects) {
-  (void)List().Default();
-  CInstrument* found = nullptr;
-  int position = 0;
-  EXPECT_EQ(List().GetInstrument("pg 2", &found), S_OK);
-  EXPECT_EQ(found, At(1));
-  EXPECT_EQ(List().GetInstrumentPos(std::string("pG 3"), position), S_OK);
-  EXPECT_EQ(position, 2);
-  EXPECT_EQ(List().GetInstrumentPos(At(4), position), S_OK);
-  EXPECT_EQ(position, 4);
-
-  EXPECT_EQ(List().GetInstrument("PG", &found), E_FAIL);
-  EXPECT_EQ(found, nullptr);
-  EXPECT_EQ(List().GetInstrumentPos(std::string(" PG 1"), position), E_FAIL);
-  EXPECT_EQ(position, -1);
-  (void)List().AddInstrumentAt(7, Make("x"));  // the null entries are no match for null
-  EXPECT_EQ(List().GetInstrumentPos(static_cast<CInstrument*>(nullptr), position), E_FAIL);
-  EXPECT_EQ(position, -1);
-  EXPECT_EQ(List().GetInstrument("PG 1", nullptr), E_FAIL);
-  EXPECT_EQ(List().GetInstrumentAt(0, nullptr), E_FAIL);
-}
-
-TEST_F(InstrumentManager, FindsSlotsAndNumbersModules) {
-  (void)List().AddInstrument(Make("none"));
-  (void)List().AddInstrument(Make("pair", 0, 2));      // slots 3 and 5
-  (void)List().AddInstrumentAt(3, Make("one", 2, 1));  // slot 7
-  const struct {
-    int slot;
-    int instrument;  // -1: PG_E_SLOT_EMPTY
-    int module;      // -1: E_FAIL, as in the second slot of a module
-  } rows[] = {{2, -1, -1}, {3, 1, 0},  {4, 1, -1},  {5, 1, 1},   {6, 1, -1},
-              {7, 3, 0},   {8, 3, -1}, {9, -1, -1}, {-1, -1, -1}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.slot);
-    int position = -2;
-    EXPECT_EQ(List().GetInstrumentPos(row.slot, position),
-              row.instrument < 0 ? PG_E_SLOT_EMPTY : S_OK);
-    EXPECT_EQ(position, row.instrument);
-    EXPECT_EQ(List().GetModulePos(row.slot, position), row.module < 0 ? E_FAIL : S_OK);
-    EXPECT_EQ(position, row.module);
-    std::string text;
-    EXPECT_EQ(List().GetModuleProperties(row.slot, text), row.module < 0 ? PG_E_SLOT_EMPTY : S_OK);
-  }
-  const struct {
-    int position;
-    int first;  // -1: E_FAIL
-    int last;
-  } numbers[] = {{-1, -1, -1}, {0, -1, -1}, {1, 0, 1}, {2, -1, -1}, {3, 2, 2}, {4, -1, -1}};
-  for (const auto& row : numbers) {
-    SCOPED_TRACE(row.position);
-    int id = -2;
-    EXPECT_EQ(List().GetFirstModuleId(row.position, id), row.first < 0 ? E_FAIL : S_OK);
-    EXPECT_EQ(id, row.first);
-    EXPECT_EQ(List().GetLastModuleId(row.position, id), row.last < 0 ? E_FAIL : S_OK);
-    EXPECT_EQ(id, row.last);
-  }
-}
-
-TEST_F(InstrumentManager, CountsInstrumentsOfAFrame) {
-  std::vector<SIMULATED_MODULE> modules(2);
-  modules[0].slot = 3;
-  modules[1].slot = 5;
-  modules[1].frame = 1;
-  ASSERT_EQ(m_engine.Simulation().SetModules(modules), S_OK);
-  CModuleManager* manager = nullptr;
-  (void)m_engine.Server().GetModuleManager(&manager);
-  (void)manager->Initialize();
-  (void)List().Default();
-  (void)List().AddInstrumentAt(4, Make("no module"));
-  for (const auto& [frame, count] : {std::pair(0, 1), std::pair(1, 1), std::pair(2, 0)}) {
-    EXPECT_EQ(Ask(List(), &CInstrumentManager::GetNoOfInstruments, frame), count);
-  }
-}
-
-TEST_F(InstrumentManager, SumsSizes) {
-  (void)List().AddInstrument(Make("a"));
-  (void)List().AddInstrumentAt(2, Make("longer"));
-  unsigned long first = 0;
-  unsigned long last = 0;
-  unsigned long size = 0;
-  EXPECT_EQ(List().GetSize(first, 1, 0), S_OK);
-  EXPECT_EQ(List().GetSize(last, 1, 2), S_OK);
-  EXPECT_EQ(List().GetSize(size, 1, -1), S_OK);
-  EXPECT_GT(first, 0u);
-  EXPECT_EQ(size, first + last);
-  EXPECT_EQ(List().GetSize(size, 1, 1), S_OK);
-  EXPECT_EQ(size, 0u);
-  for (const int bad : {-2, 3}) {
-    size = 7;
-    EXPECT_EQ(List().GetSize(size, 1, bad), E_FAIL);
-    EXPECT_EQ(size, 0u);
-  }
-}
-
-TEST_F(InstrumentManager, AsksTheHardwareLibrary) {
-  m_engine.Simulation().Mainframe().expansions = 2;
-  EXPECT_EQ(Ask(List(), &CInstrumentManager::GetNoOfExpansions), 2);
-  EXPECT_EQ(Ask(List(), &CInstrumentManager::GetControllerProperties, 0), "");
 }
 
 class CWindow : public CSorrelGridWnd {

@@ -79,23 +79,6 @@ TEST(InstrumentMode, AChangeRelaysEveryBlock) {
   EXPECT_THAT(fixture.Handler().Take(), IsEmpty());
 }
 
-TEST(InstrumentMode, BlocksOfAnotherWidthAreRelaidAsFarAsTheyReach) {
-  CInstrumentFixture fixture(1);
-  CInstrument& instrument = fixture.Instrument();
-  ASSERT_EQ(fixture.Server().SetDefaultChannelValue('\0'), S_OK);
-  Paint(fixture, 0, 16);
-  ASSERT_EQ(instrument.AddModule(&fixture.Module(0)), S_OK);  // the block keeps its 64 channels
-  ASSERT_EQ(instrument.SetChannelMode(ChannelMode::Half), S_OK);
-  EXPECT_EQ(fixture.BlockAt(0).GetBlockWidth(), 64);
-  int level = -1;
-  EXPECT_EQ(instrument.GetChannelData(0, 0, 0, level), S_OK);
-  EXPECT_EQ(level, 1);
-  for (int c = 32; c < 64; ++c) {
-    EXPECT_EQ(instrument.GetChannelData(c, 0, 0, level), S_OK);
-    EXPECT_EQ(level, 0) << c;
-  }
-}
-
 TEST(InstrumentMode, GroupsAndRowsFollowTheirChannels) {
   CInstrumentFixture fixture(2);
   CInstrument& instrument = fixture.Instrument();

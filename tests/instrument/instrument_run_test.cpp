@@ -1,4 +1,3 @@
-#include "hardware/module.h"
 #include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
 #include "support/ask.h"
@@ -54,22 +53,6 @@ TEST(InstrumentRun, IsRefusedQuietlyWhileDisabledOrBusy) {
   EXPECT_THAT(fixture.Simulation().TakeCalls(), IsEmpty());
 }
 
-TEST(InstrumentRun, NeedsMasterHardware) {
-  CEngineFixture fixture(1);
-  CModule offline;
-  CInstrument instrument;
-  (void)instrument.Initialize();
-  EXPECT_EQ(instrument.Run(), E_FAIL);
-  EXPECT_EQ(instrument.UpdateInstrumentState(), E_FAIL);
-  (void)instrument.AddModule(&offline);
-  (void)instrument.AddModule(&fixture.Module(0));  // hardware, but not the master's
-  EXPECT_EQ(instrument.Run(), E_FAIL);
-  EXPECT_EQ(instrument.Advance(), E_FAIL);
-  EXPECT_EQ(instrument.Jump(), E_FAIL);
-  EXPECT_EQ(instrument.Step(1), E_FAIL);
-  EXPECT_EQ(StateOf(instrument), ModuleState::Idle);
-}
-
 TEST(InstrumentRun, StateFollowsTheSequencer) {
   struct Row {
     const char* text;
@@ -82,7 +65,6 @@ TEST(InstrumentRun, StateFollowsTheSequencer) {
                                           "0 EnableOutput(0)", "1 EnableOutput(0)"};
   const Row rows[] = {
       {"INIT", ModuleState::Initialising, "OnInstrumentIdle(0)", {}},
-      {"wait", ModuleState::Waiting, "OnInstrumentIdle(0)", {}},
       {"Runn", ModuleState::Running, "OnInstrumentIdle(0)", {}},
       {"IDL", ModuleState::Idle, "OnInstrumentIdle(1)", ended},
       {"IDLE", ModuleState::Idle, "OnInstrumentIdle(1)", ended},  // unknown counts as idle

@@ -1,4 +1,3 @@
-#include "hardware/module.h"
 #include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
 #include "support/ask.h"
@@ -85,21 +84,6 @@ TEST(InstrumentSettings, AreStoredOnceEveryModuleTookThem) {
   }
 }
 
-TEST(InstrumentSettings, AModuleWithoutHardwareIsSkipped) {
-  CEngineFixture fixture(1);
-  CModule offline;
-  CInstrument instrument;
-  ASSERT_EQ(instrument.Initialize(), S_OK);
-  ASSERT_EQ(instrument.AddModule(&offline), S_OK);
-  for (const SETTING& setting : AllSettings()) {
-    SCOPED_TRACE(setting.operation);
-    EXPECT_EQ(setting.set(instrument, 1), S_OK);
-    EXPECT_EQ(setting.get(instrument), 1);
-  }
-  EXPECT_EQ(instrument.SetOutputSignalDest(SignalType::Signal1), S_OK);
-  EXPECT_EQ(instrument.Stop(), S_OK);
-}
-
 TEST(InstrumentSettings, RefuseWhatNoHardwareCanTake) {
   CInstrumentFixture fixture;
   fixture.Simulation().LogCalls(true);
@@ -142,39 +126,6 @@ TEST(InstrumentSettings, ClockStandsStillWhileThePeriodChanges) {
     fixture.Simulation().LogCalls(true);
     EXPECT_EQ(fixture.Instrument().SetClockPeriod(2), row.status);
     EXPECT_EQ(fixture.Simulation().TakeCalls(), row.calls);
-  }
-}
-
-TEST(InstrumentSettings, SignalPolarityFollowsTheSignal) {
-  struct Row {
-    SignalType type;
-    std::vector<std::string> input;
-    std::vector<std::string> output;
-  };
-  const Row rows[] = {
-      {SignalType::None,
-       {"0 SetSignalInputSource(0)", "1 SetSignalInputSource(0)"},
-       {"0 SetSignalOutDest(0)", "1 SetSignalOutDest(0)"}},
-      {SignalType::Signal2,
-       {"0 SetSignalInputSource(2)", "0 SetSignalInputPolarity(0)", "1 SetSignalInputSource(2)",
-        "1 SetSignalInputPolarity(0)"},
-       {"0 SetSignalOutDest(2)", "0 SetSignalOutPolarity(0)", "1 SetSignalOutDest(0)"}},
-      {SignalType::Signal4,
-       {"0 SetSignalInputSource(4)", "0 SetSignalInputPolarity(1)", "1 SetSignalInputSource(4)",
-        "1 SetSignalInputPolarity(1)"},
-       {"0 SetSignalOutDest(4)", "0 SetSignalOutPolarity(1)", "1 SetSignalOutDest(0)"}},
-      {SignalType::Clk10MHz,
-       {"0 SetSignalInputSource(5)", "1 SetSignalInputSource(5)"},
-       {"0 SetSignalOutDest(5)", "1 SetSignalOutDest(0)"}},
-  };
-  CInstrumentFixture fixture(2);
-  fixture.Simulation().LogCalls(true);
-  for (const Row& row : rows) {
-    SCOPED_TRACE(static_cast<int>(row.type));
-    EXPECT_EQ(fixture.Instrument().SetInputSignalSource(row.type), S_OK);
-    EXPECT_EQ(fixture.Simulation().TakeCalls(), row.input);
-    EXPECT_EQ(fixture.Instrument().SetOutputSignalDest(row.type), S_OK);
-    EXPECT_EQ(fixture.Simulation().TakeCalls(), row.output);
   }
 }
 

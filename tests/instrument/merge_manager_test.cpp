@@ -2,10 +2,8 @@
 
 #include "hardware/module.h"
 #include "hardware/module_manager.h"
-#include "hardware/simulation/memory_sink.h"
 #include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
-#include "program/block_manager.h"
 #include "quillpg/app_server.h"
 #include "support/ask.h"
 #include "support/instrument_fixture.h"
@@ -86,10 +84,7 @@ TEST(MergeManager, EditsTheWorkingCopyAlone) {
     const char* copy;
   };
   const ROW rows[] = {
-      {"", S_OK, "*PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1"},
-      {"m2", S_OK, "PG 1:1 *PG 0:2 PG 4:1 PG 5:1 PG 6:1"},
       {"m2 m3", S_OK, "PG 1:1 *PG 2:3 PG 5:1 PG 6:1"},
-      {"m1 m2 m3 m4", S_OK, "*PG 3:5 PG 6:1"},
       {"m1 m2 m3 m4 m5", E_FAIL, "*PG 3:5 PG 6:1"},
       {"m1 m2 m4 m5 m3", E_FAIL, "PG 1:3 *PG 3:3"},
       {"m1 m1", E_FAIL, "*PG 0:2 PG 3:1 PG 4:1 PG 5:1 PG 6:1"},
@@ -103,7 +98,6 @@ TEST(MergeManager, EditsTheWorkingCopyAlone) {
       {"a0", S_OK, "*PG 0:1 PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1"},
       {"a8", S_OK, "*PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1 - - PG 0:1"},
       {"d6", E_FAIL, "*PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1"},
-      {"d1 d1", S_OK, "*PG 1:1 PG 4:1 PG 5:1 PG 6:1"},
       {"d0 d0 m4", E_FAIL, "*PG 3:1 PG 4:1 PG 5:1 PG 6:1"},  // no instrument holds module 4
   };
   for (const ROW& row : rows) {
@@ -113,109 +107,6 @@ TEST(MergeManager, EditsTheWorkingCopyAlone) {
     EXPECT_EQ(engine.Copy(), row.copy);
     EXPECT_EQ(engine.System(), "*PG 1:1 PG 2:1 PG 3:1 PG 4:1 PG 5:1 PG 6:1");
   }
-}
-
-TEST(MergeManager, TellsWhatMayBeMergedAndSplit) {
-  CMergeFixture engine(6);
-  ASSERT_EQ(engine.Do("m1 m2 m3 m4"), S_OK);
-  const char* roles[] = {"Master", "Slave1", "Slave2", "Slave3", "Slave4", ""};
-  for (int i = 0; i < 6; ++i) {
-    EXPECT_EQ(Ask(engine.Merger(), &CMergeManager::CanMerge, i), i == 5 ? 1 : 0);
-    EXPECT_EQ(Ask(engine.Merger(), &CMergeManager::CanUnMerge, i), i == 5 ? 0 : 1);
-    EXPECT_EQ(Ask(engine.Merger(), &CMergeManager::GetRoleName, i), roles[i]);
-  }
-  for (const int bad : {INT_MIN, -1, 6, INT_MAX}) {
-    long depth = 0;
-    EXPECT_EQ(engine.Merger().Merge(bad), E_FAIL);
-    EXPECT_EQ(engine.Merger().UnMerge(bad), E_FAIL);
-    EXPECT_EQ(engine.Merger().GetMemoryDepth(bad, depth), E_FAIL);
-  }
-  int can = 1;
-  EXPECT_EQ(engine.Merger().CanMerge(6, can), E_FAIL);
-  EXPECT_EQ(can, 0);
-  can = 1;
-  EXPECT_EQ(engine.Merger().CanUnMerge(-1, can), E_FAIL);
-  EXPECT_EQ(can, 0);
-}
-
-TEST(MergeManager, GeneratesFreeNames) {
-  CMergeFixture engine(2);
-  CMergeManager& merger = engine.Merger();
-  (void)merger.SetInstrumentName(0, "pg 0");
-  (void)merger.SetInstrumentName(1, "PG 1");
-  std::string name;
-  EXPECT_EQ(merger.GetUniqueInstrumentName(name), S_OK);
-  EXPECT_EQ(name, "PG 2");
-  EXPECT_EQ(merger.GetUniqueInstrumentName(name), S_OK);
-  EXPECT_EQ(name, "PG 2");
-  (void)merger.SetInstrumentName(0, "PG 2");
-  EXPECT_EQ(merger.GetUniqueInstrumentName(name), S_OK);
-  EXPECT_EQ(name, "PG 3");  // not the freed PG 0
-  EXPECT_EQ(merger.SetInstrumentName(2, "x"), E_FAIL);
-
-  for (const auto& [asked, valid] :
-       {std::pair("pg 1", 0), std::pair(" \t", 0), std::pair("", 0), std::pair("PG 9", 1)}) {
-    EXPECT_EQ(Ask(merger, &CMergeManager::IsValidInstrumentName, asked), valid) << asked;
-  }
-  (void)engine.Do("d0 d0");
-  EXPECT_EQ(Ask(merger, &CMergeManager::IsValidInstrumentName, ""), 1);
-
-  // A translation that forgot the number.
-  (void)merger.AddInstrument(0, 0, 1);
-  engine.Host().texts[12082] = "PG";
-  EXPECT_EQ(merger.AddInstrument(0, 0, 1), S_OK);
-  EXPECT_EQ(merger.AddInstrument(0, 0, 1), E_FAIL);
-}
-
-TEST(MergeManager, NeighboursOfOneFrameAndFirmwareAreMergeable) {
-  CMergeFixture engine(6);
-  engine.Simulation().Module(1)->firmware = "0.17A";
-  engine.Simulation().Module(2)->firmware = "0.17a";
-  engine.Simulation().Module(4)->frame = 1;
-  engine.Simulation().Module(5)->slot = 14;
-  CMergeManager& merger = engine.Merger();
-  ASSERT_EQ(merger.Initialize(&engine.Instruments()), S_OK);
-  const int mergeable[] = {0, 0, 1, 0, 0, 0};
-  const COrderedList<MODULE_INFO>* list = nullptr;
-  ASSERT_EQ(merger.GetModuleInfo(&list), S_OK);
-  for (int i = 0; i < 6; ++i) EXPECT_EQ(list->At(i)->mergeable, mergeable[i]) << i;
-  EXPECT_EQ(list->At(4)->frame, 1);
-  EXPECT_EQ(list->At(5)->slot, 14);
-  EXPECT_EQ(list->At(5)->slotsOccupied, 2);
-  EXPECT_EQ(list->At(5)->memoryDepth, 262140);
-  EXPECT_EQ(list->At(5)->modelName, "QPG-64");
-}
-
-TEST(MergeManager, WalksAroundEmptyEntries) {
-  CMergeFixture engine(3);
-  ASSERT_EQ(engine.Do("m1 a4 d1"), S_OK);  // two modules, three empty entries less one, one module
-  CMergeManager& merger = engine.Merger();
-  const auto answer = [&](Status (CMergeManager::*query)(int, int&) const, int of) {
-    int result = -2;
-    const Status status = (merger.*query)(of, result);
-    EXPECT_EQ(status, result < 0 ? E_FAIL : S_OK);
-    return result;
-  };
-  EXPECT_EQ(engine.Copy(), "*PG 0:2 - - PG 1:1");
-  EXPECT_EQ(answer(&CMergeManager::GetNextInstrumentId, 0), 3);
-  EXPECT_EQ(answer(&CMergeManager::GetPrevInstrumentId, 3), 0);
-  EXPECT_EQ(answer(&CMergeManager::GetNextInstrumentId, 3), -1);
-  EXPECT_EQ(answer(&CMergeManager::GetPrevInstrumentId, 4), -1);
-  EXPECT_EQ(answer(&CMergeManager::GetFirstModuleId, 1), -1);
-  EXPECT_EQ(answer(&CMergeManager::GetFirstModuleId, 3), 2);
-  EXPECT_EQ(answer(&CMergeManager::GetLastModuleId, 0), 1);
-  EXPECT_EQ(answer(&CMergeManager::GetNoOfModulesToTheLeft, 3), 2);
-  EXPECT_EQ(answer(&CMergeManager::GetModuleCount, 1), -1);
-  EXPECT_EQ(answer(&CMergeManager::GetNextModuleId, 2), -1);
-  EXPECT_EQ(answer(&CMergeManager::GetPrevModuleId, 0), -1);
-  EXPECT_EQ(answer(&CMergeManager::GetMaxClockSpeed, 3), 134);
-  long depth = 0;
-  EXPECT_EQ(merger.GetMemoryDepth(1, depth), E_FAIL);
-  EXPECT_EQ(depth, -1);
-
-  (void)merger.SetCurrentInst(3);
-  ASSERT_EQ(merger.Update(), S_OK);
-  EXPECT_EQ(engine.System(), "PG 0:2 *PG 1:1");
 }
 
 TEST(MergeManager, UpdateKeepsWhatHasTheSameModules) {
@@ -258,26 +149,8 @@ TEST(MergeManager, UpdateKeepsWhatHasTheSameModules) {
   EXPECT_EQ(engine.Host().cursorDepth, 0);
 }
 
-TEST(MergeManager, UpdateWithoutEditsMakesAndDeletesNothing) {
-  CMergeFixture engine(3);
-  // A gap: the second entry of the copy stands for the second module, which no instrument has.
-  (void)engine.Instruments().DeleteInstrumentAt(1);
-  (void)engine.Instruments().AddInstrumentAt(3, std::make_unique<CInstrument>().release());
-  const CInstrument* last = engine.Live(1);
-  CMergeManager& merger = engine.Merger();
-  ASSERT_EQ(merger.Initialize(&engine.Instruments()), S_OK);
-  (void)merger.SetInstrumentName(1, "Renamed");
-  (void)merger.SetCurrentInst(1);
-  ASSERT_EQ(merger.Update(), S_OK);
-  EXPECT_EQ(engine.System(), "PG 1:1 *Renamed:1 :0");  // the empty entry before the third is gone
-  EXPECT_EQ(engine.Live(1), last);
-}
-
 TEST(MergeManager, UpdateRefusesAndSurvivesWhatIsGone) {
   CMergeFixture engine(3);
-  CMergeManager fresh;
-  EXPECT_EQ(fresh.Update(), E_FAIL);
-  EXPECT_EQ(fresh.Initialize(nullptr), E_FAIL);
   CMergeManager& merger = engine.Merger();
   ASSERT_EQ(engine.Do("m1"), S_OK);
   {
@@ -304,35 +177,6 @@ TEST(MergeManager, TheFrontEndMayDeleteInstrumentsWhileItIsToldOfAName) {
   for (int i = 0; i < 3; ++i) (void)engine.Merger().SetInstrumentName(i, std::to_string(i));
   EXPECT_EQ(engine.Merger().Update(), S_OK);
   EXPECT_EQ(engine.System(), "*0:1 1:1");
-}
-
-TEST(MergeManager, AMergedInstrumentPlaysAsOne) {
-  for (const int modules : {2, 5}) {
-    SCOPED_TRACE(modules);
-    CMergeFixture engine(modules + 1);
-    for (int i = 1; i < modules; ++i) ASSERT_EQ(engine.Merger().Merge(i), S_OK);
-    ASSERT_EQ(engine.Merger().Update(), S_OK);
-    CInstrument& wide = *engine.Live(0);
-    (void)engine.Live(1)->EnableInstrument(0);
-    const int channels = 64 * modules;
-    ASSERT_EQ(wide.CreateTestData(TestDataType::WalkingOnes), S_OK);
-    CMemorySink sink;
-    engine.Simulation().AddVectorSink(&sink);
-    ASSERT_EQ(engine.Server().Compile(), S_OK);
-    ASSERT_EQ(engine.Server().Download(), S_OK);
-    ASSERT_EQ(engine.Server().Run(), S_OK);
-    PlayEnd end = PlayEnd::Idle;
-    ASSERT_EQ(engine.Simulation().PlayUntilIdle(channels, end), S_OK);
-    for (int module = 0; module < modules; ++module) {
-      std::vector<std::uint64_t> expected(static_cast<std::size_t>(channels));
-      for (int bit = 0; bit < 64; ++bit) {
-        expected[static_cast<std::size_t>(64 * module + bit)] = std::uint64_t{1} << bit;
-      }
-      EXPECT_EQ(sink.Levels(module), expected) << "module " << module;
-    }
-    EXPECT_TRUE(sink.Levels(modules).empty());
-    engine.Simulation().RemoveVectorSink(&sink);
-  }
 }
 
 }  // namespace

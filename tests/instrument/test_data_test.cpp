@@ -137,55 +137,6 @@ TEST(TestData, TheLargestBlockCountsItsVectors) {
   EXPECT_TRUE(played == expected);
 }
 
-TEST(TestData, CellsAreBlocksAlone) {
-  for (const auto& [mode, count, smallest] :
-       {std::tuple(ChannelMode::Full, 4, 40), std::tuple(ChannelMode::Half, 8, 80)}) {
-    CInstrumentFixture engine;
-    (void)engine.Instrument().SetChannelMode(mode);
-    CProgramBuilder(engine.Instrument()).Block("Old").Sub("s", {}).Event("e", {}).Line({"Block3"});
-    ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::Cell), S_OK);
-    EXPECT_EQ(CountsOf(engine), (COUNTS{count, 1, 1, 1}));
-    BLOCK& last = engine.BlockAt(count - 1);
-    EXPECT_EQ(last.GetBlockName(), "Block" + std::to_string(count - 1));
-    EXPECT_EQ(last.GetBlockSize(), smallest + count - 1);
-    EXPECT_EQ(last.Data()[last.RowBytes() * 39], 39);
-    EXPECT_EQ(last.Data()[last.RowBytes() * 39 + 1], 0);
-  }
-}
-
-TEST(TestData, TheMostBlocksExceedTheMemory) {
-  for (const auto& [mode, size] :
-       {std::pair(ChannelMode::Full, 250), std::pair(ChannelMode::Half, 496)}) {
-    CInstrumentFixture engine;
-    (void)engine.Instrument().SetChannelMode(mode);
-    ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::MaxBlocks), S_OK);
-    EXPECT_EQ(CountsOf(engine), (COUNTS{4000, 4000, 0, 0}));
-    BLOCK& last = engine.BlockAt(3999);
-    EXPECT_EQ(last.GetBlockSize(), size);
-    const std::uint8_t* row = last.Data() + last.RowBytes() * static_cast<std::size_t>(size - 1);
-    EXPECT_EQ(row[0] | row[1] << 8 | row[2] << 16, 3999);
-    SEQUENCE_LINE* line = nullptr;
-    (void)engine.Sequence().GetSequenceLine(3999, &line);
-    EXPECT_EQ(line->GetLabel() + line->GetOutput(), "Line3999Block3999");
-    EXPECT_EQ(engine.Server().Compile(), E_FAIL);
-  }
-}
-
-TEST(TestData, EventRowsAreBinaryNumbers) {
-  CInstrumentFixture engine;
-  ASSERT_EQ(engine.Instrument().CreateTestData(TestDataType::MaxEvents), S_OK);
-  EVENT* event = nullptr;
-  (void)engine.Events().GetEvent(7, &event);
-  EXPECT_EQ(event->GetEventName(), "Event7");
-  ASSERT_EQ(event->GetNoOfEventDefinitions(), 256);
-  for (const auto& [row, pattern] : {std::pair(0, "000000000"), std::pair(1, "000000001"),
-                                     std::pair(128, "010000000"), std::pair(250, "011111010")}) {
-    EVENT_DEFINITION* definition = nullptr;
-    (void)event->GetEventDefinition(row, &definition);
-    EXPECT_EQ(definition->Pattern(), pattern);
-  }
-}
-
 TEST(TestData, RefusesWithoutTouchingTheProgram) {
   CInstrumentFixture engine;
   for (const int type : {-1, 7, 8}) {
