@@ -102,7 +102,7 @@ constexpr RESULT_TEXT kResults[] = {
     {S_OK, "S_OK", "success"},
     {S_FALSE, "S_FALSE", "success with a negative answer"},
     {E_FAIL, "E_FAIL", "failure"},
-    {E_OUTOFMEMORY, "E_OUTOFMEMORY", "block data could not be allocated"},
+    {E_OUTOFMEMORY, "E_OUTOFMEMORY", "not enough memory"},
     {E_UNEXPECTED, "E_UNEXPECTED", "unexpected failure"},
 #define QUILLPG_RESULT_CODE(name, value, text) {name, #name, text},
 #include "quillpg/result_codes.def"

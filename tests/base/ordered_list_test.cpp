@@ -1,8 +1,8 @@
 #include "base/ordered_list.h"
 
-#include <climits>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <string>
 
 namespace quillpg {

@@ -8,9 +8,9 @@
 #include "support/ask.h"
 #include "support/instrument_fixture.h"
 
-#include <climits>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <functional>
 #include <memory>
 

@@ -2,10 +2,10 @@
 
 #include "support/scripted_host.h"
 
-#include <climits>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 
 namespace quillpg {
 namespace {

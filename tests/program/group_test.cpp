@@ -2,8 +2,9 @@
 
 #include "program/group_plan.h"
 
-#include <climits>
 #include <gtest/gtest.h>
+
+#include <climits>
 
 namespace quillpg {
 namespace {

@@ -11,6 +11,7 @@
 #include "program/waveform_manager.h"
 
 #include <nlohmann/json.hpp>
+
 #include <string>
 #include <type_traits>
 
