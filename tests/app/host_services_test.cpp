@@ -1,12 +1,12 @@
 #include "quillpg/host_services.h"
 
+#include "support/temporary_folder.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
-#include <filesystem>
-#include <fstream>
 #include <utility>
 
 namespace quillpg {
@@ -28,8 +28,8 @@ TEST(HostServices, ModifiedTimeIsTwelveHourLocalTime) {
                                               {13 * 3600 + 7 * 60 + 59, "02/29/24 01:07 PM"}};
   (void)setenv("TZ", "UTC0", 1);
   tzset();
-  const fs::path file = fs::temp_directory_path() / "quillpg_modified_time_test";
-  std::ofstream(file) << "x";
+  const CTemporaryFolder folder;
+  const fs::path file = folder.Write("file", "x");
   const auto midnight = std::chrono::sys_days(std::chrono::year(2024) / 2 / 29);
   std::string text;
   for (const auto& [seconds, expected] : rows) {

@@ -5,7 +5,6 @@
 #include "support/scripted_host.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <utility>
 

@@ -1,15 +1,11 @@
 #include "base/text.h"
-#include "instrument/instrument_manager.h"
 #include "program/clipboard_info.h"
-#include "quillpg/app_server.h"
-#include "quillpg/grid_window.h"
 #include "support/instrument_fixture.h"
-#include "support/model_json.h"
 #include "support/program_builder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
+#include <tuple>
 #include <utility>
 
 namespace quillpg {
@@ -17,17 +13,11 @@ namespace {
 
 using namespace testing;  // matchers
 
-class CGrid : public CSorrelGridWnd {
- public:
-  void GetInstrument(CInstrument** shown) override { *shown = instrument; }
-  CInstrument* instrument = nullptr;
-};
-
 std::string_view NameOf(const EVENT_DEFINITION& row) { return row.Pattern(); }
 std::string_view NameOf(const SUBSEQUENCE_LINE& line) { return line.GetOutput(); }
 
-template <typename Find>
-std::string Join(Find&& at) {
+template <typename At>
+std::string Join(At&& at) {
   std::string text;
   for (int i = 0; const auto* object = at(i); ++i) text.append(NameOf(*object)) += ' ';
   return text;
@@ -48,14 +38,10 @@ class Paste : public ::testing::Test, public CEngineFixture {
   }
   ~Paste() override { (void)Instruments().DeleteAll(); }
 
-  CInstrument& A(int position = 0) {
-    CInstrument* instrument = nullptr;
-    (void)Instruments().GetInstrumentAt(position, &instrument);
-    return *instrument;
-  }
+  CInstrument& A(int position = 0) { return *Instrument(position); }
   CInstrument& B() { return A(1); }
   static CGroupManager& GroupsOf(CInstrument& instrument) {
-    return Manager(instrument, &CInstrument::GetGroupManager);
+    return *Find(instrument, &CInstrument::GetGroupManager);
   }
 
   Status Run(ContentType type, int first, int last) {
@@ -77,9 +63,12 @@ class Paste : public ::testing::Test, public CEngineFixture {
       case ContentType::SubSequence:
         return Join([&](int i) { return program.SubSequenceAt(i); });
       case ContentType::EventDef:
-        return Join(At(*program.EventAt(0), &EVENT::GetEventDefinition));
+        return Join(
+            [&](int i) { return Find(*program.EventAt(0), &EVENT::GetEventDefinition, i); });
       default:
-        return Join(At(*program.SubSequenceAt(0), &SUBSEQUENCE::GetSubSequenceLine));
+        return Join([&](int i) {
+          return Find(*program.SubSequenceAt(0), &SUBSEQUENCE::GetSubSequenceLine, i);
+        });
     }
   }
   // Everything that a refused paste might have touched.
@@ -91,8 +80,7 @@ class Paste : public ::testing::Test, public CEngineFixture {
   // Hexadecimal values of a group.
   std::string Values(CInstrument& instrument, int group, int first, int count, int block = 0) {
     std::string text;
-    std::string name;
-    (void)GroupsOf(instrument).GetGroupName(group, name);
+    const std::string name = Ask(GroupsOf(instrument), &CGroupManager::GetGroupName, group);
     for (int i = first; i < first + count; ++i) {
       std::string value;
       (void)instrument.GetGroupData(name, block, i, Radix::Hex, value);
@@ -138,14 +126,13 @@ void FillLists(CInstrument& instrument, bool source) {
 }
 
 TEST_F(Paste, PutsObjectsIntoLists) {
-  struct ROW {
+  const struct {
     ContentType type;
     int first, last, insert, at;
     const char* list;
     const char* notified;  // how each notification begins
     bool within = false;   // A is the target, too: the copies are those of the list as it was
-  };
-  const ROW rows[] = {
+  } rows[] = {
       // a block's name must be free among blocks and subsequences
       {ContentType::Block, 0, 2, 1, 0, "a Block1 Block2 B U ", "OnBlockListChanged("},
       {ContentType::Block, 0, 0, 0, 0, "B U a ", "OnBlockListChanged(a,2,0)"},  // appends
@@ -159,7 +146,7 @@ TEST_F(Paste, PutsObjectsIntoLists) {
        true},
       {ContentType::SubSequenceDef, 0, 2, 1, 1, "a a b c b c ", "", true},
   };
-  for (const ROW& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(FormatText("%d %d-%d %d %d",
                             {static_cast<int>(row.type), row.first, row.last, row.insert, row.at}));
     FillLists(A(), true);
@@ -224,13 +211,7 @@ TEST_F(Paste, RefusesWithNothingChanged) {
   refuses(7, -2147483647, 2, false);
   refuses(9, 0, 40, false);
   using I = CClipboardInfo;
-  struct ROW {
-    int type;
-    int I::*field;
-    int value;
-    bool notice;
-  };
-  const ROW rows[] = {
+  const std::tuple<int, int I::*, int, bool> rows[] = {
       {5, &I::targetItem, 2, true},
       {8, &I::sourceItem, -1, true},
       {9, &I::targetFirst, 40, false},
@@ -239,10 +220,10 @@ TEST_F(Paste, RefusesWithNothingChanged) {
       {11, &I::sourceLastColumn, 64, false},
       {13, &I::targetFirstColumn, -2147483647, false},
   };
-  for (const ROW& row : rows) {
-    const int kept = std::exchange(info.*row.field, row.value);
-    refuses(row.type, 0, 0, row.notice);
-    info.*row.field = kept;
+  for (const auto& [type, field, value, notice] : rows) {
+    const int kept = std::exchange(info.*field, value);
+    refuses(type, 0, 0, notice);
+    info.*field = kept;
   }
   EXPECT_EQ(Everything(), before);
   EXPECT_THAT(m_handler.events, IsEmpty());
@@ -272,9 +253,7 @@ TEST_F(Paste, RefusesWhatDoesNotFitAsAWhole) {
 }
 
 TEST_F(Paste, RefusesBlocksBetweenUnlikeInstruments) {
-  CModule* module = nullptr;
-  (void)A().GetModuleAt(0, &module);
-  (void)B().AddModule(module);
+  (void)B().AddModule(&Module(0));
   EXPECT_EQ(Run(ContentType::Block, 0, 0), E_FAIL);
   ASSERT_EQ(B().SetChannelMode(ChannelMode::Half), S_OK);
   EXPECT_EQ(Run(ContentType::Block, 0, 0), E_FAIL);  // told first of the two

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace quillpg {
 namespace {
 
@@ -47,13 +49,12 @@ class VersionInfo : public testing::Test {
 };
 
 TEST_F(VersionInfo, MissingDataShiftsFieldsAndTellsOncePerQuery) {
-  struct Row {
+  const struct {
     const char* missing;
     bool present, fixedBlock;
     std::size_t boxes;
     const char* fields;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"", true, true, 0,
        "Quillmark|Quillmark Pattern Generator|Copyright (C) Quillmark|"
        "Quillmark is a trademark of Quillmark.|1.1.008|"},
@@ -63,7 +64,7 @@ TEST_F(VersionInfo, MissingDataShiftsFieldsAndTellsOncePerQuery) {
        "Quillmark Pattern Generator Engine|1.1.008|Quillmark is a trademark of "
        "Quillmark.|server||"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.missing);
     m_host.boxes.clear();
     Alter([&row](VERSION_RESOURCE& resource) {
@@ -97,11 +98,7 @@ TEST_F(VersionInfo, PrintsHalvesOfTheProductVersionAsSignedNumbers) {
 }
 
 TEST_F(VersionInfo, ParsesExactlyFourNumbers) {
-  struct Row {
-    const char* text;
-    unsigned long high, low;
-  };
-  const Row rows[] = {
+  const std::tuple<const char*, unsigned long, unsigned long> rows[] = {
       {"1.1.0.8", 65537, 8},
       {"1.65537.2.65544", 65537, 131080},  // second and fourth modulo 65536
       {"65537.0.0.0", 65536, 0},           // kept to 32 bits
@@ -114,11 +111,11 @@ TEST_F(VersionInfo, ParsesExactlyFourNumbers) {
     EXPECT_EQ(info.ConvertStringToNumericVersionNo(text, high, low), 0);
     EXPECT_EQ(high + low, 198U);  // untouched
   }
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.text);
-    EXPECT_EQ(info.ConvertStringToNumericVersionNo(row.text, high, low), 1);
-    EXPECT_EQ(high, row.high);
-    EXPECT_EQ(low, row.low);
+  for (const auto& [text, wantedHigh, wantedLow] : rows) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(info.ConvertStringToNumericVersionNo(text, high, low), 1);
+    EXPECT_EQ(high, wantedHigh);
+    EXPECT_EQ(low, wantedLow);
   }
 }
 

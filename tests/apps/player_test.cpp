@@ -1,14 +1,10 @@
 #include "player.h"
 
-#include "program/event_definition.h"
-#include "program/event_manager.h"
-#include "program/sequence_manager.h"
-#include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
+#include "support/program_builder.h"
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <vector>
 
 namespace quillpg::tool {
@@ -39,19 +35,10 @@ const ROW kRows[] = {
 class CPlayerFixture : public CInstrumentFixture {
  public:
   explicit CPlayerFixture(const ROW& row) {
-    auto definition = std::make_unique<EVENT_DEFINITION>();
-    for (int i = 0; i < 8; ++i) (void)definition->SetEventDefBit(i, 'X');
-    (void)definition->SetEventDefBit(8, '1');
-    EVENT* event = nullptr;
-    (void)Events().AddEvent("Go");
-    (void)Events().GetEvent(0, &event);
-    (void)event->DeleteAll();
-    (void)event->AddEventDefinition(std::move(definition));
-
-    SEQUENCE_LINE* line = nullptr;
-    (void)Sequence().GetSequenceLine(0, &line);
-    (void)line->SetRepeatCount(row.repeat);
-    (void)line->SetWaitFor(row.waits ? "Go" : "None");
+    CProgramBuilder(Instrument())
+        .Block("Block")
+        .Event("Go", {"XXXXXXXX1"})
+        .Line({.output = "Block", .repeat = row.repeat, .waitFor = row.waits ? "Go" : ""});
     EXPECT_EQ(S_OK, Server().Compile());
     EXPECT_EQ(S_OK, Server().Download());
     if (row.rises >= 0) (void)Simulation().SetStimulus({{row.rises, "000000001"}});
@@ -89,12 +76,11 @@ TEST(Player, AWaitForGoodEndsThePlayAtOnce) {
 
 TEST(Player, HoldsAWaitThatComesLaterNoLongerThanTheLimit) {
   CPlayerFixture fixture({"", 2, false, -1, {}, {}, 0});
-  SEQUENCE_LINE* first = nullptr;
-  ASSERT_EQ(S_OK, fixture.Sequence().GetSequenceLine(0, &first));
-  auto second = std::make_unique<SEQUENCE_LINE>();
-  (void)second->SetOutput(first->GetOutput());
-  (void)second->SetWaitFor("Go");
-  ASSERT_EQ(S_OK, fixture.Sequence().InsertLine(1, std::move(second)));
+  CProgramBuilder(fixture.Instrument())
+      .Block("Block")
+      .Event("Go", {"XXXXXXXX1"})
+      .Line({.output = "Block", .repeat = 2})
+      .Line({.output = "Block", .waitFor = "Go"});
   ASSERT_EQ(S_OK, fixture.Server().Compile());
   ASSERT_EQ(S_OK, fixture.Server().Download());
   CPlayer player = fixture.Player();

@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <string>
+#include <tuple>
 
 namespace quillpg {
 namespace {
@@ -37,23 +38,19 @@ std::string Show(const LIST& list) {
 }
 
 TEST(OrderedList, InsertsWherePossibleAndElseLeavesTheObjectToTheCaller) {
-  struct Row {
-    int position;
-    Status status;
-    const char* shown;
-  };
-  const Row rows[] = {{0, S_OK, "xab"},   {1, S_OK, "axb"},
-                      {2, S_OK, "abx"},   {4, S_OK, "ab--x"},  // empty slots fill the gap
-                      {5, E_FAIL, "ab"},                       // one beyond the limit of five
-                      {-1, E_FAIL, "ab"}, {INT_MAX, E_FAIL, "ab"}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.position);
+  const std::tuple<int, Status, const char*> rows[] = {
+      {0, S_OK, "xab"},   {1, S_OK, "axb"},
+      {2, S_OK, "abx"},   {4, S_OK, "ab--x"},  // empty slots fill the gap
+      {5, E_FAIL, "ab"},                       // one beyond the limit of five
+      {-1, E_FAIL, "ab"}, {INT_MAX, E_FAIL, "ab"}};
+  for (const auto& [position, status, shown] : rows) {
+    SCOPED_TRACE(position);
     LIST list(5);
     Fill(list, "ab");
     auto item = std::make_unique<ITEM>("x");
-    EXPECT_EQ(list.Insert(row.position, std::move(item)), row.status);
-    EXPECT_EQ(Show(list), row.shown);
-    EXPECT_EQ(item != nullptr, Failed(row.status));  // NOLINT(bugprone-use-after-move): meant
+    EXPECT_EQ(list.Insert(position, std::move(item)), status);
+    EXPECT_EQ(Show(list), shown);
+    EXPECT_EQ(item != nullptr, Failed(status));  // NOLINT(bugprone-use-after-move): meant
     Fill(list, "cdefg");
     EXPECT_EQ(list.Count(), 5);  // empty slots count, too
     EXPECT_EQ(list.Insert(0, nullptr), E_FAIL);
@@ -61,20 +58,18 @@ TEST(OrderedList, InsertsWherePossibleAndElseLeavesTheObjectToTheCaller) {
 }
 
 TEST(OrderedList, RemovesAndMovesWithinTheListOnly) {
-  struct Row {
+  const struct {
     const char* what;
     Status (*edit)(LIST&);
     Status status;
     const char* shown;
-  };
-  const Row rows[] = {
-      {"middle", [](LIST& l) { return l.Remove(1, 2); }, S_OK, "ad"},
-      {"one too many", [](LIST& l) { return l.Remove(3, 2); }, E_FAIL, "abcd"},
-      {"negative count", [](LIST& l) { return l.Remove(1, -1); }, E_FAIL, "abcd"},
-      {"overflow", [](LIST& l) { return l.Remove(2, INT_MAX); }, E_FAIL, "abcd"},
-      {"up from the top", [](LIST& l) { return l.MoveUp(0); }, E_FAIL, "abcd"},
-      {"down from nowhere", [](LIST& l) { return l.MoveDown(INT_MAX); }, E_FAIL, "abcd"}};
-  for (const Row& row : rows) {
+  } rows[] = {{"middle", [](LIST& l) { return l.Remove(1, 2); }, S_OK, "ad"},
+              {"one too many", [](LIST& l) { return l.Remove(3, 2); }, E_FAIL, "abcd"},
+              {"negative count", [](LIST& l) { return l.Remove(1, -1); }, E_FAIL, "abcd"},
+              {"overflow", [](LIST& l) { return l.Remove(2, INT_MAX); }, E_FAIL, "abcd"},
+              {"up from the top", [](LIST& l) { return l.MoveUp(0); }, E_FAIL, "abcd"},
+              {"down from nowhere", [](LIST& l) { return l.MoveDown(INT_MAX); }, E_FAIL, "abcd"}};
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
     LIST list;
     Fill(list, "abcd");
@@ -85,17 +80,16 @@ TEST(OrderedList, RemovesAndMovesWithinTheListOnly) {
 
 // A front end that is told of a deletion may delete and clear in the same list.
 TEST(OrderedList, SurvivesChangesWhileItRemovesOneByOne) {
-  struct Row {
+  const struct {
     void (*change)(LIST&);
     const char* visited;
     const char* left;
-  };
-  const Row rows[] = {{[](LIST&) {}, "1b2c3d", "ae"},
-                      {[](LIST& l) { l.Release(2).reset(); }, "1b3d", "ae"},
-                      {[](LIST& l) { (void)l.Remove(0); }, "1b2c3d", "e"},
-                      {[](LIST& l) { (void)l.Remove(1, 2); }, "1b3d", "ae"},
-                      {[](LIST& l) { l.Clear(); }, "1b", ""}};
-  for (const Row& row : rows) {
+  } rows[] = {{[](LIST&) {}, "1b2c3d", "ae"},
+              {[](LIST& l) { l.Release(2).reset(); }, "1b3d", "ae"},
+              {[](LIST& l) { (void)l.Remove(0); }, "1b2c3d", "e"},
+              {[](LIST& l) { (void)l.Remove(1, 2); }, "1b3d", "ae"},
+              {[](LIST& l) { l.Clear(); }, "1b", ""}};
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.visited);
     LIST list;
     Fill(list, "abcde");

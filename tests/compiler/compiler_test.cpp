@@ -1,15 +1,14 @@
 #include "compiler/compiler.h"
 
+#include "base/byte_stream.h"
+#include "base/setup_file_reader.h"
 #include "hardware/server2hal.h"
-#include "instrument/instrument_manager.h"
 #include "plain/compiler.h"
 #include "plain/random_program.h"
-#include "program/program_view.h"
-#include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
 #include "support/program_builder.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <tuple>
 
@@ -22,11 +21,7 @@ class Compiler : public testing::Test {
  protected:
   Compiler() : m_build(m_engine.Instrument()) {}
 
-  CCompiler& Subject() {
-    CCompiler* compiler = nullptr;
-    (void)m_engine.Server().GetCompiler(&compiler);
-    return *compiler;
-  }
+  CCompiler& Subject() { return *Find(m_engine.Server(), &CAppServer::GetCompiler); }
   const Lines& Output() { return m_engine.Router().output; }
   // Compiles; the output window without its first line and its last.
   Lines Findings(Status expected) {
@@ -155,6 +150,45 @@ TEST_F(Compiler, EndsWhenTheExpandedSequenceIsTooLong) {
   EXPECT_EQ(Findings(E_FAIL),  // and no look at the events
             Lines{"Sequence List [Line:2][Column:1] : error : No. of sequence lines including the "
                   "referred subsequences exceeds 4000 lines."});
+}
+
+// A list takes no more than its limit, but for those that a file holds.
+TEST_F(Compiler, RefusesListsThatAFileMadeTooLong) {
+  using Pairs = std::vector<std::pair<std::string, int>>;
+  for (int i = 0; i < MAX_BLOCKS; ++i) m_build.Block("b").Line({.output = "b"});
+  m_build.Sub("s", Pairs(MAX_SUBSEQUENCE_LINES, {"b", 1}));
+  for (int i = 1; i < MAX_SUBSEQUENCES; ++i) m_build.Sub("t", {});
+  m_build.Event("e", Lines(MAX_EVENT_DEFINITIONS, "1"));
+  for (int i = 1; i < MAX_EVENTS; ++i) m_build.Event("f", {});
+  const auto tooLong = [this] {
+    Lines findings = Findings(E_FAIL);
+    std::erase_if(findings, [](auto& line) { return line.find("invalid range") == line.npos; });
+    return findings;
+  };
+  EXPECT_EQ(tooLong(), Lines{});
+  const auto readAgain = [](auto& list) {
+    CByteWriter writer;
+    EXPECT_EQ(list.Write(writer), S_OK);
+    CSetupFileReader reader(writer.Written());
+    EXPECT_EQ(list.Read(reader), S_OK);
+  };
+  readAgain(*m_program.SubSequenceAt(0));
+  readAgain(*m_program.EventAt(0));
+  EXPECT_EQ(tooLong(),
+            (Lines{"Sub Sequence List [Line:1][Column:1] : error : < Empty Name > invalid range",
+                   "Event List [Line:1][Column:0] : error : < Empty Name > invalid range"}));
+  readAgain(m_engine.Blocks());
+  readAgain(m_engine.Sequence());
+  readAgain(m_engine.SubSequences());
+  readAgain(m_engine.Events());
+  Lines found = tooLong();
+  EXPECT_EQ(found.size(), 8U);  // the long ones stand there twice now
+  for (const char* list : {"Block", "Sequence", "Sub Sequence", "Event"}) {
+    EXPECT_THAT(
+        found,
+        testing::Contains(
+            list + std::string(" List [Line:1][Column:1] : error : < Empty Name > invalid range")));
+  }
 }
 
 TEST_F(Compiler, AbortsAtTheNextObject) {

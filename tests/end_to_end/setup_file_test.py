@@ -21,16 +21,6 @@ class Convert(ToolTest):
                          for name in ("from_capture.vcd", "from_setup.vcd")]
                 self.assertEqual(*dumps)
 
-    def test_rewriting_changes_nothing_but_the_date(self):
-        for name in ("minimal", "simple", "two_modules_half", "random_a", "random_b", "other_pods"):
-            with self.subTest(name=name):
-                source = REFERENCES / f"{name}.pgs"
-                self.assertEqual(0, self.run_tool("convert", "-q", source, "out.pgs").returncode)
-                date = slice(source.read_bytes().index(b"03/07/04"), None)
-                before, after = (bytearray(path.read_bytes()) for path in (source, self.folder / "out.pgs"))
-                after[date.start:date.start + 17] = before[date.start:date.start + 17]
-                self.assertEqual(before, after)
-
     def test_what_is_refused(self):
         self.write("clock.vcd", CLOCK)
         self.write("bad.pgs", (REFERENCES / "random_a.pgs").read_bytes()[:900])
@@ -59,13 +49,9 @@ class Look(ToolTest):
         source = REFERENCES / "two_modules_half.pgs"
         self.assertIn("2 modules, HALF", self.run_good("info", source).stdout)
         dump = self.run_tool("dump", source).stdout.splitlines()
-        self.assertTrue(dump[0].startswith("00000000 "), dump[0])
-        ends = 0
-        for line in dump:  # field after field, without a gap
-            offset, size = line.split()[:2]
-            self.assertEqual(ends, int(offset, 16), line)
-            ends += int(size)
-        self.assertEqual(source.stat().st_size, ends)
+        ends = [int(offset, 16) + int(size) for offset, size, *_ in map(str.split, dump)]
+        self.assertEqual(ends[:-1], [int(line.split()[0], 16) for line in dump[1:]])  # without a gap
+        self.assertEqual(source.stat().st_size, ends[-1])
 
 
 class Make(ToolTest):

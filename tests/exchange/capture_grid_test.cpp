@@ -78,7 +78,7 @@ TEST(CaptureGrid, FindsRoundedGridsOfManyRates) {
 }
 
 TEST(CaptureGrid, TakesTheCommonStepWhereThereIsOne) {
-  struct Row {
+  const struct {
     const char* what;
     std::vector<std::int64_t> stamps;
     std::int64_t end;
@@ -86,8 +86,7 @@ TEST(CaptureGrid, TakesTheCommonStepWhereThereIsOne) {
     RATIO statedRate;
     RATIO period;  // not set: refused
     std::int64_t vectors;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"plain", {0, 5, 40}, 48, -6, {}, {1, 1'000'000}, 48},
       {"coarser than a tick", {0, 200, 600}, 1000, -9, {}, {1, 5'000'000}, 5},
       {"counted from the first change", {1007, 1017, 1037}, 1047, -6, {}, {1, 100'000}, 4},
@@ -100,7 +99,7 @@ TEST(CaptureGrid, TakesTheCommonStepWhereThereIsOne) {
       {"one point, open: the stated rate", {0}, 0, -12, {1000, 1}, {1, 1000}, 1},
       {"too fast", {0, 1, 2}, 3, -9, {}, {}, 0},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
     CAPTURE capture;
     capture.bits = capture.wordsPerRow = 1;
@@ -117,19 +116,6 @@ TEST(CaptureGrid, TakesTheCommonStepWhereThereIsOne) {
     EXPECT_EQ(grid.period, row.period);
     EXPECT_EQ(grid.vectors, row.vectors);
   }
-}
-
-TEST(CaptureGrid, TellsRoundingFromSkew) {
-  using Times = std::vector<std::int64_t>;
-  for (const Times& rounded : {Times{0, 42, 83, 125, 167}, Times{0, 41, 83, 125, 166}}) {
-    EXPECT_TRUE(LiesOnGrid(rounded, RATIO{125, 3}));  // rounded, cut
-  }
-  for (const Times& halves : {Times{0, 63, 125, 188}, Times{0, 62, 125, 188, 312}}) {
-    EXPECT_TRUE(LiesOnGrid(halves, RATIO{125, 2}));  // up, to even
-  }
-  EXPECT_FALSE(LiesOnGrid(Times{0, 42, 83, 126, 167}, RATIO{125, 3}));  // one off by a tick
-  EXPECT_FALSE(LiesOnGrid(Times{0, 42, 43}, RATIO{125, 3}));            // two in one vector
-  EXPECT_FALSE(LiesOnGrid(Times{0, 11, 20, 31, 40}, RATIO{10, 1}));     // every other one late
 }
 
 TEST(CaptureGrid, AGivenPeriodPutsStampsOnTheNearestVector) {

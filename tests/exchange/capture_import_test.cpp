@@ -2,12 +2,7 @@
 
 #include "exchange/capture_loader.h"
 #include "exchange/capture_runs.h"
-#include "hardware/module_manager.h"
-#include "hardware/simulation/memory_sink.h"
-#include "instrument/instrument.h"
 #include "program/group.h"
-#include "program/group_manager.h"
-#include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
 #include "support/temporary_folder.h"
 
@@ -64,11 +59,12 @@ TEST(CaptureImport, ChoosesTheLeastHardwareAndPlaysTheCapture) {
     ChannelMode mode;
     int modules;
     bool option;
+    PlayEnd end = PlayEnd::Idle;
   };
   constexpr ChannelMode kFull = ChannelMode::Full;
   constexpr ChannelMode kHalf = ChannelMode::Half;
   const Row rows[] = {
-      {"shorter than a block", 3, 7, 10, Noise, kFull, 1, false},
+      {"shorter than a block", 3, 7, 10, Noise, kFull, 1, false, PlayEnd::Limit},
       {"pulses and idle times", 8, 300'000, 10, Pulse, kFull, 1, false},
       {"five modules", 320, 100, 10, Noise, kFull, 5, false},
       {"only HALF mode is fast enough", 33, 100, 4, Noise, kHalf, 2, false},
@@ -88,19 +84,11 @@ TEST(CaptureImport, ChoosesTheLeastHardwareAndPlaysTheCapture) {
     EXPECT_EQ(import.GetPlan().memoryOption, row.option);
     ASSERT_EQ(import.GetLength(), row.vectors);
     ASSERT_EQ(import.ConfigureSimulation(), S_OK) << import.GetErrorText();
-    CModuleManager* modules = nullptr;
-    ASSERT_EQ(engine.Server().GetModuleManager(&modules), S_OK);
-    ASSERT_EQ(modules->Initialize(), S_OK);
+    ASSERT_EQ(engine.Modules().Initialize(), S_OK);
     CInstrument* instrument = nullptr;
     ASSERT_EQ(import.Load(&instrument), S_OK) << import.GetErrorText();
-    ASSERT_EQ(engine.Server().Compile(), S_OK);
-    ASSERT_EQ(engine.Server().Download(), S_OK);
     CMemorySink sink;
-    engine.Simulation().AddVectorSink(&sink);
-    ASSERT_EQ(engine.Server().Run(), S_OK);
-    PlayEnd end{};
-    ASSERT_EQ(engine.Simulation().PlayUntilIdle(row.vectors, end), S_OK);
-    engine.Simulation().RemoveVectorSink(&sink);
+    engine.Play(sink, row.vectors, row.end);
     const int each = row.mode == ChannelMode::Full ? 64 : 32;
     std::int64_t wrong = 0;
     for (int signal = 0; signal < row.signals; ++signal) {
@@ -116,13 +104,12 @@ TEST(CaptureImport, ChoosesTheLeastHardwareAndPlaysTheCapture) {
 }
 
 TEST(CaptureImport, RefusesWithTheFigures) {
-  struct Row {
+  const struct {
     const char* what;
     std::string text;
     Status status;
     const char* error;  // behind the file's name
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"too fast", "$timescale 1 ps $end $var wire 1 ! D $end $enddefinitions $end #0 0! #1 1! #3",
        E_FAIL,
        ": no sample period fits the time stamps, whose common step is 1 ps: the clock plays "
@@ -132,7 +119,7 @@ TEST(CaptureImport, RefusesWithTheFigures) {
        "2100000 vectors of memory, of 1048572 with the memory option; in HALF mode 2100000 vectors "
        "of memory, of 2097144 with the memory option"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
     const CCaptureFile file(row.text);
     CCaptureImport import;
@@ -174,13 +161,10 @@ TEST(CaptureImport, NamesGroupsApartAndPinsAsTheCaptureDoes) {
   CInstrument* instrument = nullptr;
   VCD_INSTRUMENT pins;
   ASSERT_EQ(import.Load(&instrument), S_OK) << import.GetErrorText();
-  CGroupManager* groups = nullptr;
-  ASSERT_EQ(instrument->GetGroupManager(&groups), S_OK);
-  std::vector<std::string> names;
-  ASSERT_EQ(groups->GetGroupNames(names), S_OK);
-  EXPECT_EQ(names, (std::vector<std::string>{"Clk", "CLK_3", "clk_2", "_1", "Clk_4", "D+"}));
-  GROUP* group = nullptr;
-  ASSERT_EQ(groups->GetGroup("D+", &group), S_OK);
+  const CGroupManager& groups = *Find(*instrument, &CInstrument::GetGroupManager);
+  EXPECT_EQ(Ask(groups, &CGroupManager::GetGroupNames),
+            (std::vector<std::string>{"Clk", "CLK_3", "clk_2", "_1", "Clk_4", "D+"}));
+  const GROUP* group = Find(groups, &CGroupManager::GetGroup, "D+");
   EXPECT_EQ(group->Channels(), (std::vector<int>{7, 6, 5}));  // most significant first
   ASSERT_EQ(import.DescribeForVcd(pins), S_OK);
   std::string text;

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <functional>
 
 namespace quillpg {
@@ -100,13 +99,12 @@ TEST(VcdWriter, WritesScalarsReleasedPinsAndAnnotationsWhereAskedFor) {
 }
 
 TEST(VcdWriter, TakesTheCoarsestTimescaleThatHoldsThePeriod) {
-  struct Row {
+  const struct {
     RATIO period;
     int tickExponent;
     const char* timescale;
     const char* stamps;  // of the third vector and behind it
-  };
-  const Row rows[] = {
+  } rows[] = {
       {{1, 16000000}, 0, "100 ps", "#1250\n1!\n#1875"},
       {{3, 100000}, 0, "10 us", "#6\n1!\n#9"},
       {{1, 24000000}, -10, "100 ps", "#833\n1!\n#1250"},
@@ -115,7 +113,7 @@ TEST(VcdWriter, TakesTheCoarsestTimescaleThatHoldsThePeriod) {
       {PeriodFromSeconds(1.0 / 1500), 0, "10 fs",
        "#133333333333\n1!\n#200000000000"},  // room for long plays
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.timescale);
     VCD_INSTRUMENT instrument = MakeInstrument({{"A", "", {0}}}, row.period);
     instrument.tickExponent = row.tickExponent;
@@ -146,24 +144,6 @@ TEST(VcdWriter, TellsTwinsApartAndKeepsBlanksOut) {
        {" Recv_TX $end", " Recv_TX_2 $end", " _ $end", " _$end $end", " 0 $end"}) {
     EXPECT_NE(text.find(name), std::string::npos) << name << " in\n" << text;
   }
-}
-
-TEST(VcdWriterFile, AppearsOnlyWithCommit) {
-  const CTemporaryFolder folder;
-  const std::string path = folder.Write("out.vcd", "old");
-  constexpr auto kPrivate = static_cast<std::filesystem::perms>(0600);
-  std::filesystem::permissions(path, kPrivate);
-  const auto instrument = MakeInstrument({{"A", "", {0}}});
-  for (const bool commits : {false, true}) {
-    CVcdWriter writer;
-    ASSERT_EQ(writer.Open(path, {instrument}, {}), S_OK);
-    Play(writer, {1});
-    EXPECT_EQ(folder.Text("out.vcd"), "old");
-    EXPECT_EQ(commits ? writer.Commit() : S_OK, S_OK);
-  }
-  EXPECT_TRUE(folder.Text("out.vcd").ends_with("#0\n1!\n#1\n"));
-  EXPECT_EQ(std::filesystem::status(path).permissions(), kPrivate);
-  EXPECT_EQ(folder.Names().size(), 1u);
 }
 
 TEST(VcdWriterFile, MergesInstrumentsByTime) {

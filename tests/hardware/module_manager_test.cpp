@@ -1,22 +1,15 @@
 #include "hardware/module_manager.h"
 
 #include "../../examples/example_adapter.h"
-#include "hardware/module.h"
-#include "hardware/simulation/simulated_hardware.h"
-#include "instrument/instrument.h"
-#include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace quillpg {
 namespace {
 
 int CountModules(const CModuleManager& manager) {
-  int count = -1;
-  EXPECT_EQ(S_OK, manager.GetNoOfModules(count));
-  return count;
+  return Ask(manager, &CModuleManager::GetNoOfModules);
 }
 
 TEST(ModuleManager, DiscoversModulesThatTheEngineCanWorkWith) {
@@ -30,9 +23,8 @@ TEST(ModuleManager, DiscoversModulesThatTheEngineCanWorkWith) {
   EXPECT_EQ(S_OK, manager.Initialize());
   ASSERT_EQ(3, CountModules(manager));
   for (const int index : {0, 1, 2}) {
-    CSorrelModule* hardware = nullptr;
-    EXPECT_EQ(S_OK, manager.GetSorrelModuleAt(index, &hardware));
-    EXPECT_EQ(control.HardwareModule(index < 2 ? index : 3), hardware);
+    EXPECT_EQ(control.HardwareModule(index < 2 ? index : 3),
+              Find(manager, &CModuleManager::GetSorrelModuleAt, index));
   }
 }
 
@@ -66,12 +58,8 @@ TEST(ModuleManager, PassesRouterAndLogDirectoryToModulesFoundLater) {
 
 TEST(ModuleManager, InstrumentsLoseModulesThatAreDestroyed) {
   CInstrumentFixture fixture(2);
-  CModuleManager* manager = nullptr;
-  fixture.Server().GetModuleManager(&manager);
-  EXPECT_EQ(S_OK, manager->Initialize());
-  int count = -1;
-  fixture.Instrument().GetNoOfModules(count);
-  EXPECT_EQ(0, count);
+  EXPECT_EQ(S_OK, fixture.Modules().Initialize());
+  EXPECT_EQ(0, Ask(fixture.Instrument(), &CInstrument::GetNoOfModules));
 }
 
 // A library that walks nowhere: the same module for ever, or no module at all.
@@ -109,14 +97,11 @@ TEST(ModuleManager, WorksWithTheExampleAdapter) {
   CModuleManager manager;
   EXPECT_EQ(S_OK, manager.Initialize());
   EXPECT_EQ(S_OK, manager.InitializeModules());
-  CModule* module = nullptr;
-  manager.GetModuleAt(0, &module);
+  CModule* module = Find(manager, &CModuleManager::GetModuleAt, 0);
   ASSERT_NE(nullptr, module);
   EXPECT_EQ(S_OK, module->SetOutputLevel(0, 2.5));
   EXPECT_EQ(E_FAIL, module->SetOutputLevel(1, 2.6));  // the hardware made 2.5 of it
-  double level = 0;
-  module->GetOutputLevel(1, level);
-  EXPECT_EQ(2.5, level);
+  EXPECT_EQ(2.5, Ask(*module, &CModule::GetOutputLevel, 1));
   EXPECT_EQ(E_FAIL, module->SetStrobeEnable(0, 1));  // the hardware has no such setting
   CHardwareManager::Install(nullptr);
 }

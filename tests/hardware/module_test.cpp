@@ -2,9 +2,9 @@
 
 #include "hardware/setting_rule.h"
 #include "hardware/simulation/simulated_hardware.h"
+#include "support/ask.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <functional>
@@ -44,9 +44,7 @@ struct CModuleFixture {
 std::vector<int> PodTypes(const CModule& module) {
   std::vector<int> types;
   for (int pod = 0; pod < NUM_PODS; ++pod) {
-    PodType type = PodType::None;
-    module.GetPodType(pod, type);
-    types.push_back(static_cast<int>(type));
+    types.push_back(static_cast<int>(Ask(module, &M::GetPodType, pod)));
   }
   return types;
 }
@@ -91,14 +89,13 @@ const ACCESS kDeskew = Setting<float>(&M::SetClockDeskew, &M::GetClockDeskew);
 
 TEST(Module, EverySettingFollowsItsRule) {
   using enum SettingRule;
-  struct Row {
+  const struct {
     const char* operation;  // of the library, without Set or Get
     ACCESS access;
     double sent;
     double readBack;  // what real hardware makes of it
     SettingRule rule;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"OutputLevel", kLevel, 3.3, 3.25, KeepReadBack},
       {"StrobeInhibit", Pod(kFixed, &M::SetStrobeInhibit, &M::GetStrobeInhibit), 1, 0, Exact},
       {"InhibitByData", Pod(kFixed, &M::SetInhibitByPodD, &M::GetInhibitByPodD), 1, 0, Exact},
@@ -116,7 +113,7 @@ TEST(Module, EverySettingFollowsItsRule) {
       {"DelayRange", Channel(1, &M::SetDelayRange, &M::GetDelayRange), 3, 1, Exact},
       {"ClockDeskew", kDeskew, 1.0, 41, Exact},  // 40 steps
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.operation);
     CModuleFixture fixture;
     CModule& module = fixture.module;
@@ -260,9 +257,7 @@ TEST(Module, WithoutHardwareSettersFailAndGettersGiveDefaults) {
 TEST(Module, CopiesTakeTheHardwareAlone) {
   CModuleFixture fixture;
   const CModule copy(fixture.module);
-  CSorrelModule* hardware = nullptr;
-  copy.GetSorrelModule(&hardware);
-  EXPECT_EQ(fixture.control.HardwareModule(0), hardware);
+  EXPECT_EQ(fixture.control.HardwareModule(0), Find(copy, &CModule::GetSorrelModule));
   EXPECT_THAT(PodTypes(copy), ElementsAre(0, 0, 0, 0));
 }
 

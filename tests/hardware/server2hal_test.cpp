@@ -1,10 +1,5 @@
 #include "hardware/server2hal.h"
 
-#include "hardware/simulation/call_sink.h"
-#include "instrument/instrument_manager.h"
-#include "plain/packer.h"
-#include "program/program_view.h"
-#include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
 #include "support/program_builder.h"
 
@@ -30,11 +25,7 @@ class CDownloadFixture : public CInstrumentFixture {
     EXPECT_EQ(Server().Download(), expected);
     return Simulation().TakeCalls();
   }
-  CServer2HAL& Bridge() {
-    CServer2HAL* bridge = nullptr;
-    (void)Server().GetServer2HAL(&bridge);
-    return *bridge;
-  }
+  CServer2HAL& Bridge() { return *Find(Server(), &CAppServer::GetServer2HAL); }
 
   CProgramBuilder build;
 };
@@ -117,45 +108,6 @@ TEST(Download, SendsWhatChangedAndWhatRefersToIt) {
   EXPECT_EQ(engine.Sent(), Lines{});  // the old sequence stays
 }
 
-// Keeps the words of the transfers.
-class CWordSink : public CCallSink {
- public:
-  void OnCall(const MODULE_CALL& call) override {
-    for (const std::uint16_t word : call.words) words.push_back(word);
-  }
-  std::vector<std::uint16_t> words;
-};
-
-TEST(Download, SendsThePackedWordsOfEveryModule) {
-  for (const ChannelMode mode : {ChannelMode::Full, ChannelMode::Half}) {
-    CDownloadFixture engine(2);
-    (void)engine.Instrument().SetChannelMode(mode);
-    CProgramBuilder(engine.Instrument()).Block("b", 1001);
-    BLOCK* block = Program(engine).BlockAt(0);
-    for (std::size_t i = 0; i < 1001 * block->RowBytes(); ++i) {
-      block->Data()[i] = static_cast<std::uint8_t>(i * 37);
-    }
-    CWordSink sink;
-    engine.Simulation().AddCallSink(&sink);
-    EXPECT_EQ(engine.Bridge().SendBlockData(&engine.Instrument()), S_OK);
-    engine.Simulation().RemoveCallSink(&sink);
-
-    std::vector<std::uint16_t> words;
-    const bool abort = false;
-    for (const PACK_RUN& run : SplitIntoRuns(mode, 1001)) {
-      for (int module = 0; module < 2; ++module) {
-        const std::size_t start = words.size();
-        words.resize(start + static_cast<std::size_t>(run.unitCount) * WORDS_PER_UNIT);
-        (void)PackPlain({block->Data(), block->RowBytes(), 1001}, mode, run.kind,
-                        module * GetChannelsPerModule(mode), run.firstVector,
-                        run.unitCount / GetBitArrange(mode, run.kind).unitsPerGroup, abort,
-                        words.data() + start);
-      }
-    }
-    EXPECT_EQ(sink.words, words);
-  }
-}
-
 TEST(Download, AFailedStepKeepsItsFlagAndTheNextOneRuns) {
   CDownloadFixture engine(2);
   engine.build.Block("a", 1001).Block("b").Line({.output = "gone"});
@@ -210,9 +162,7 @@ TEST(Download, SkipsDisabledInstrumentsAndSurvivesDeletedOnes) {
   CEngineFixture engine(4);
   (void)engine.Server().DefaultSystem();
   engine.Simulation().LogCalls(true);
-  CInstrument* second = nullptr;
-  (void)engine.Instruments().GetInstrumentAt(1, &second);
-  (void)second->EnableInstrument(0);
+  (void)engine.Instrument(1)->EnableInstrument(0);
   engine.Host().onYield = [&] {
     if (engine.Router().titles.back() != "Sending PG 3.") return;
     engine.Host().onYield = nullptr;

@@ -1,6 +1,4 @@
 #include "hardware/shift_register_generator.h"
-#include "instrument/instrument.h"
-#include "program/block_manager.h"
 #include "support/instrument_fixture.h"
 
 #include <gtest/gtest.h>
@@ -25,15 +23,14 @@ std::vector<std::uint8_t> DataOf(CInstrumentFixture& engine) {
 }
 
 TEST(FillChannelData, IsOneStepAVectorChannelAfterChannel) {
-  struct ROW {
+  const struct {
     const char* what;
     int modules;
     ChannelMode mode;
     std::vector<int> channels;
     int first;
     int last;
-  };
-  const ROW rows[] = {
+  } rows[] = {
       {"one channel", 1, ChannelMode::Full, {17}, 0, 299},
       {"one module", 1, ChannelMode::Full, Channels(0, 64), 0, 299},
       {"whole squares", 1, ChannelMode::Full, Channels(0, 64), 0, 255},
@@ -46,7 +43,7 @@ TEST(FillChannelData, IsOneStepAVectorChannelAfterChannel) {
       {"behind the block", 1, ChannelMode::Full, {1}, 300, 400},
       {"nothing", 1, ChannelMode::Full, {1}, 9, 8},
   };
-  for (ROW row : rows) {
+  for (auto row : rows) {
     SCOPED_TRACE(row.what);
     if (row.channels.empty()) {
       row.channels = Channels(0, 90);
@@ -72,6 +69,23 @@ TEST(FillChannelData, IsOneStepAVectorChannelAfterChannel) {
     EXPECT_TRUE(filled == DataOf(engine));
     for (int stage = 0; stage < 9; ++stage) EXPECT_EQ(fast.getValue(stage), plain.getValue(stage));
   }
+}
+
+TEST(FillChannelData, RefusesMissingBlocksAndChannelsAsAWhole) {
+  const std::pair<std::vector<int>, int> rows[] = {
+      {{0, 64}, 0}, {{-1}, 0}, {{2147483647}, 0}, {{0}, 1}, {{}, -1}};
+  CInstrumentFixture engine;
+  const std::vector<std::uint8_t> before = DataOf(engine);
+  (void)engine.Blocks().SetModified(0);
+  CShiftRegisterGenerator generator;
+  for (const auto& [channels, block] : rows) {
+    EXPECT_EQ(engine.Instrument().FillChannelData(channels, block, 0, 9, generator), E_FAIL);
+  }
+  EXPECT_EQ(engine.Instrument().FillChannelData(64, 0, 0, 9, generator), E_FAIL);
+  EXPECT_TRUE(DataOf(engine) == before);
+  EXPECT_EQ(engine.Blocks().IsModified(), 0);
+  CShiftRegisterGenerator fresh;
+  for (int i = 0; i < 64; ++i) EXPECT_EQ(generator.getNextData(), fresh.getNextData());
 }
 
 }  // namespace

@@ -1,10 +1,6 @@
-#include "instrument/instrument.h"
-#include "program/group_manager.h"
-#include "support/ask.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
@@ -16,13 +12,12 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST(InstrumentChannels, DefaultNamesTellModulePodSectionAndBit) {
-  struct Row {
+  const struct {
     int modules;
     ChannelMode mode;
     int channel;
     const char* name;  // null for none
-  };
-  const Row rows[] = {
+  } rows[] = {
       {1, ChannelMode::Full, 0, "A0(0)"},   {1, ChannelMode::Full, 9, "A1(1)"},
       {1, ChannelMode::Full, 63, "D1(7)"},  {1, ChannelMode::Full, 64, nullptr},
       {1, ChannelMode::Full, -1, nullptr},  {1, ChannelMode::Half, 9, "B0(1)"},
@@ -30,7 +25,7 @@ TEST(InstrumentChannels, DefaultNamesTellModulePodSectionAndBit) {
       {2, ChannelMode::Full, 9, "1A1(1)"},  {2, ChannelMode::Full, 73, "2A1(1)"},
       {2, ChannelMode::Half, 41, "2B0(1)"}, {0, ChannelMode::Full, 0, nullptr},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(std::to_string(row.modules) + " modules, channel " + std::to_string(row.channel));
     CInstrumentFixture fixture(row.modules);
     CInstrument& instrument = fixture.Instrument();
@@ -46,14 +41,13 @@ TEST(InstrumentChannels, DefaultNamesTellModulePodSectionAndBit) {
 }
 
 TEST(InstrumentChannels, NamesAreUniqueAmongUserAndDefaultNames) {
-  struct Row {
+  const struct {
     const char* story;
     int channel;
     const char* name;
     Status status;
     const char* notified;  // null for nothing
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"new", 9, "Clock", S_OK, "OnChannelRenamed(Clock,9)"},
       {"its own in another case", 9, "CLOCK", S_OK, nullptr},
       {"its own default name", 9, "a1(1)", S_OK, nullptr},
@@ -65,7 +59,7 @@ TEST(InstrumentChannels, NamesAreUniqueAmongUserAndDefaultNames) {
       {"free again", 10, "clock", S_OK, "OnChannelRenamed(clock,10)"},
   };
   CInstrumentFixture fixture;
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.story);
     EXPECT_EQ(fixture.Instrument().SetChannelName(row.channel, row.name), row.status);
     if (row.notified) {
@@ -83,8 +77,7 @@ TEST(InstrumentChannels, SectionsMoveEightChannelsAtATime) {
   CInstrumentFixture fixture;
   CInstrument& instrument = fixture.Instrument();
   ASSERT_EQ(fixture.Groups().AddGroup("Bus"), S_OK);
-  GROUP* bus = nullptr;
-  ASSERT_EQ(fixture.Groups().GetGroup("Bus", &bus), S_OK);
+  GROUP* bus = Find(fixture.Groups(), &CGroupManager::GetGroup, "Bus");
   ASSERT_EQ(instrument.SetChannelName(12, "Mid"), S_OK);
   ASSERT_EQ(instrument.AddChannelToGroup("Bus", 40, 99), S_OK);  // no filling up to the position
   EXPECT_EQ(instrument.AddChannelToGroup("Bus", 40, -1), E_FAIL);

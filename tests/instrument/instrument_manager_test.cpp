@@ -1,11 +1,8 @@
 #include "instrument/instrument_manager.h"
 
-#include "instrument/instrument.h"
 #include "program/clipboard_info.h"
-#include "quillpg/app_server.h"
 #include "quillpg/grid_window.h"
 #include "quillpg/limits.h"
-#include "support/ask.h"
 #include "support/instrument_fixture.h"
 
 #include <gtest/gtest.h>
@@ -26,11 +23,7 @@ class InstrumentManager : public testing::Test {
   int Count() { return Ask(List(), &CInstrumentManager::GetNoOfInstruments); }
   Names NamesOfAll() { return Ask(List(), &CInstrumentManager::GetInstrumentNames); }
   int Current() { return Ask(List(), &CInstrumentManager::GetCurrentInst); }
-  CInstrument* At(int position) {
-    CInstrument* instrument = nullptr;
-    EXPECT_EQ(List().GetInstrumentAt(position, &instrument), S_OK);
-    return instrument;
-  }
+  CInstrument* At(int position) { return m_engine.Instrument(position); }
   // A new instrument over the modules from `first` on; the caller's until it is added.
   CInstrument* Make(const std::string& name, int first = 0, int modules = 0) {
     auto* instrument = new CInstrument();
@@ -68,6 +61,28 @@ TEST_F(InstrumentManager, GrowsWithEmptyEntriesAndRefusesWhatItCannotHold) {
   EXPECT_EQ(m_engine.Server().Download(), S_OK);
 }
 
+TEST_F(InstrumentManager, FindsTheInstrumentAndTheModuleOfASlot) {
+  (void)List().AddInstrument(Make("none"));
+  (void)List().AddInstrument(Make("two", 0, 2));
+  (void)List().AddInstrumentAt(3, Make("two more", 3, 2));  // behind an empty entry
+  const struct {
+    int slot, instrument, module;  // -1 for none
+  } rows[] = {{2, -1, -1}, {3, 1, 0},    {4, 1, -1},        {5, 1, 1},
+              {6, 1, -1},  {7, -1, -1},  {9, 3, 0},         {11, 3, 1},
+              {12, 3, -1}, {13, -1, -1}, {INT_MAX, -1, -1}, {INT_MIN, -1, -1}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.slot);
+    int position = 9;
+    EXPECT_EQ(List().GetInstrumentPos(row.slot, position),
+              row.instrument < 0 ? PG_E_SLOT_EMPTY : S_OK);
+    EXPECT_EQ(position, row.instrument);
+    EXPECT_EQ(List().GetModulePos(row.slot, position), row.module < 0 ? E_FAIL : S_OK);
+    EXPECT_EQ(position, row.module);
+    std::string text;
+    EXPECT_EQ(List().GetModuleProperties(row.slot, text), row.module < 0 ? PG_E_SLOT_EMPTY : S_OK);
+  }
+}
+
 // The same instrument may be listed twice: whatever destroys it must do so once.
 TEST_F(InstrumentManager, DestroysAnInstrumentOnce) {
   CInstrument* twice = Make("twice");
@@ -81,43 +96,29 @@ TEST_F(InstrumentManager, DestroysAnInstrumentOnce) {
   EXPECT_EQ(Count(), 0);
 }
 
-class CWindow : public CSorrelGridWnd {
- public:
-  explicit CWindow(CInstrument* instrument) : m_instrument(instrument) {}
-  void GetInstrument(CInstrument** instrument) override { *instrument = m_instrument; }
-
- private:
-  CInstrument* m_instrument;
-};
-
 TEST_F(InstrumentManager, TheClipboardForgetsADestroyedInstrument) {
-  CClipboardInfo* clipboard = nullptr;
-  (void)m_engine.Server().GetClipboardInfo(&clipboard);
+  CClipboardInfo* clipboard = Find(m_engine.Server(), &CAppServer::GetClipboardInfo);
   const std::function<void()> deletions[] = {
       [this] { (void)List().DeleteAll(); },
       [this] { (void)List().DeleteInstrumentAt(0); },
       [this] { (void)List().DeleteInstrument("PG 1"); },
   };
+  CGrid doomed;
+  CGrid other;
   for (const auto& remove : deletions) {
-    (void)List().Default();
-    CWindow doomed(At(0));
-    CWindow other(nullptr);
-    (void)clipboard->SetSourceWnd(&doomed);
-    (void)clipboard->SetTargetWnd(&other);
-    clipboard->contentType = ContentType::Block;
-    remove();
-    EXPECT_EQ(clipboard->contentType, ContentType::None);
-    EXPECT_EQ(clipboard->GetSourceWnd(), nullptr);
-    EXPECT_EQ(clipboard->GetTargetWnd(), &other);
-
-    (void)List().Default();
-    CWindow target(At(0));
-    (void)clipboard->SetTargetWnd(&target);
-    clipboard->contentType = ContentType::Event;
-    remove();
-    EXPECT_EQ(clipboard->contentType, ContentType::None);
-    EXPECT_EQ(clipboard->GetTargetWnd(), nullptr);
+    for (const bool source : {false, true}) {
+      (void)List().Default();
+      doomed.instrument = At(0);
+      (void)clipboard->SetSourceWnd(source ? &doomed : &other);
+      (void)clipboard->SetTargetWnd(source ? &other : &doomed);
+      clipboard->contentType = ContentType::Block;
+      remove();
+      EXPECT_EQ(clipboard->contentType, ContentType::None);
+      EXPECT_EQ(clipboard->GetSourceWnd(), source ? nullptr : &other);
+      EXPECT_EQ(clipboard->GetTargetWnd(), source ? &other : nullptr);
+    }
   }
+  (void)clipboard->SetTargetWnd(nullptr);  // the grid goes before the engine
 }
 
 }  // namespace

@@ -1,14 +1,8 @@
-#include "instrument/instrument.h"
-#include "program/block_manager.h"
-#include "program/group_manager.h"
 #include "program/waveform_data.h"
 #include "program/waveform_manager.h"
-#include "quillpg/app_server.h"
-#include "support/ask.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 
@@ -41,12 +35,11 @@ void ExpectRelaid(CInstrumentFixture& fixture, int block, int podChannels, int p
   for (int vector = 0; vector < fixture.BlockAt(block).GetBlockSize(); ++vector) {
     for (int c = 0; c < channels; ++c) {
       const int bit = c % podChannels;
-      int level = -1;
-      ASSERT_EQ(fixture.Instrument().GetChannelData(c, block, vector, level), S_OK);
       const int wanted = bit < 8 && vector < painted
                              ? Level(c / podChannels / 4, c / podChannels % 4, bit, vector)
                              : fill;
-      ASSERT_EQ(level, wanted) << "channel " << c << ", vector " << vector;
+      ASSERT_EQ(Bit(fixture.Instrument(), c, block, vector), wanted)
+          << "channel " << c << ", vector " << vector;
     }
   }
 }
@@ -84,8 +77,7 @@ TEST(InstrumentMode, GroupsAndRowsFollowTheirChannels) {
   CInstrument& instrument = fixture.Instrument();
   (void)fixture.Groups().DeleteAll();
   ASSERT_EQ(fixture.Groups().AddGroup("Bus"), S_OK);
-  GROUP* group = nullptr;
-  ASSERT_EQ(fixture.Groups().GetGroup(0, &group), S_OK);
+  GROUP* group = Find(fixture.Groups(), &CGroupManager::GetGroup, 0);
   // Two that stay, one of bits 8 to 15, one beyond the instrument, a negative one.
   for (const int channel : {64 + 2 * 16 + 7, 18, 9, 128, -1}) (void)group->AddChannel(channel, -1);
   ASSERT_EQ(instrument.SetInhibitByPodD(1, 0, 1), S_OK);
@@ -98,9 +90,7 @@ TEST(InstrumentMode, GroupsAndRowsFollowTheirChannels) {
       << "the group, its two channels, the inhibit control";
   const int channel = Ask(instrument, &CInstrument::GetInhibitControlAt, 0);
   EXPECT_EQ(channel, 32 + 3 * 8 + 4);
-  CWaveformData* row = nullptr;
-  ASSERT_EQ(rows.GetWaveformData(3, &row), S_OK);
-  EXPECT_EQ(row->channel, channel);
+  EXPECT_EQ(rows.Row(3)->channel, channel);
 
   ASSERT_EQ(instrument.SetChannelMode(ChannelMode::Full), S_OK);
   EXPECT_THAT(group->Channels(), ElementsAre(64 + 2 * 16 + 7, 18));

@@ -1,10 +1,6 @@
-#include "instrument/instrument.h"
-#include "instrument/instrument_manager.h"
-#include "support/ask.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
@@ -88,18 +84,17 @@ TEST(InstrumentRun, StateFollowsTheSequencer) {
 }
 
 TEST(InstrumentRun, WhatTheHandlerDoesWhenToldOfTheEndStands) {
-  struct Row {
+  const struct {
     const char* story;
     std::function<Status(CInstrument&)> act;
     ModuleState state;
     const char* lastCall;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"polls again", &CInstrument::UpdateInstrumentState, ModuleState::Idle, "0 EnableOutput(0)"},
       {"stops", &CInstrument::Stop, ModuleState::Idle, "0 EnableOutput(0)"},
       {"runs again", &CInstrument::Run, ModuleState::Running, "0 Start()"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.story);
     CInstrumentFixture fixture;
     ASSERT_EQ(fixture.Instrument().Run(), S_OK);

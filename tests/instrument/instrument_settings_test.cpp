@@ -1,10 +1,6 @@
-#include "instrument/instrument.h"
-#include "instrument/instrument_manager.h"
-#include "support/ask.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <functional>
@@ -96,13 +92,12 @@ TEST(InstrumentSettings, RefuseWhatNoHardwareCanTake) {
 }
 
 TEST(InstrumentSettings, ClockStandsStillWhileThePeriodChanges) {
-  struct Row {
+  const struct {
     const char* story;
     std::function<void(CSimulationControl&)> prepare;
     Status status;
     std::vector<std::string> calls;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"accepted",
        [](CSimulationControl&) {},
        S_OK,
@@ -119,7 +114,7 @@ TEST(InstrumentSettings, ClockStandsStillWhileThePeriodChanges) {
        E_FAIL,
        {"0 SetClockState(0)", "0 SetClockPeriod(2)", "0 SetClockState(1)"}},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.story);
     CInstrumentFixture fixture(2);
     row.prepare(fixture.Simulation());
@@ -130,11 +125,10 @@ TEST(InstrumentSettings, ClockStandsStillWhileThePeriodChanges) {
 }
 
 TEST(InstrumentSettings, OneInstrumentDrivesAnExclusiveSignal) {
-  struct Row {
+  const struct {
     SignalType type;
     const char* name;  // in the message; null where it may be shared
-  };
-  const Row rows[] = {
+  } rows[] = {
       {SignalType::None, nullptr},
       {SignalType::Signal1, "Signal1"},
       {SignalType::Signal2, "Signal2"},
@@ -150,7 +144,7 @@ TEST(InstrumentSettings, OneInstrumentDrivesAnExclusiveSignal) {
   ASSERT_EQ(fixture.Instruments().AddInstrument(other.release()), S_OK);
   (void)second.EnableInstrument(0);  // a disabled one drives all the same
   fixture.Simulation().LogCalls(true);
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(static_cast<int>(row.type));
     ASSERT_EQ(second.SetOutputSignalDest(row.type), S_OK);
     fixture.Host().boxes.clear();
@@ -169,20 +163,19 @@ TEST(InstrumentSettings, OneInstrumentDrivesAnExclusiveSignal) {
 TEST(InstrumentSettings, LimitsFollowTheMode) {
   CInstrumentFixture fixture(2, true);
   CInstrument& instrument = fixture.Instrument();
-  struct Row {
+  const struct {
     ChannelMode mode;
     int pod, module, channels, minimum, speed;
     double shortest, longest;
     long depth;
     const char* properties;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {ChannelMode::Full, 16, 64, 128, 40, 134, 7.4626865e-09, 2.0, 1048572,
        "QPG-64,AA123456,0.17,134 MHz,1048572"},
       {ChannelMode::Half, 8, 32, 64, 80, 268, 3.7313432e-09, 1.0, 2097144,
        "QPG-64,AA123456,0.17,268 MHz,2097144"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.properties);
     ASSERT_EQ(instrument.SetChannelMode(row.mode), S_OK);
     EXPECT_EQ(Ask(instrument, &CInstrument::GetMaxChannelsPerPod), row.pod);

@@ -1,14 +1,9 @@
 #include "instrument/instrument.h"
 
-#include "program/block_manager.h"
-#include "program/event_manager.h"
-#include "program/subsequence_manager.h"
-#include "quillpg/app_server.h"
-#include "support/ask.h"
 #include "support/instrument_fixture.h"
+#include "support/program_builder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
@@ -36,6 +31,30 @@ TEST(Instrument, HoldsFiveModules) {
   EXPECT_THAT(fixture.Host().BoxTexts(), IsEmpty());
   EXPECT_EQ(instrument.AddModule(&fixture.Module(0)), E_FAIL);
   EXPECT_EQ(fixture.Host().boxes.size(), 1u);
+}
+
+TEST(Instrument, GivesFreeNames) {
+  CInstrumentFixture fixture;
+  CProgramBuilder(fixture.Instrument())
+      .Block("block1")
+      .Block("SubSeq1")
+      .Sub("Block2", {})
+      .Sub("SUBSEQ2", {})
+      .Event("EVENT1", {})
+      .Event("Event3", {})
+      .Line({.output = "", .label = "Line1"})
+      .Line({.output = "", .label = "line 2"});
+  (void)fixture.Groups().DeleteGroup(1);
+  const std::pair<ContentType, const char*> rows[] = {
+      {ContentType::Group, "UserGrp2"},      {ContentType::Block, "Block3"},
+      {ContentType::Event, "Event2"},        {ContentType::SequenceLine, "Line2"},
+      {ContentType::SubSequence, "SubSeq3"}, {ContentType::EventDef, nullptr},
+      {ContentType::None, nullptr}};
+  for (const auto& [type, expected] : rows) {
+    std::string name = "kept";
+    EXPECT_EQ(fixture.Instrument().GetUniqueName(type, name), expected ? S_OK : E_FAIL);
+    EXPECT_EQ(name, expected ? expected : "kept");
+  }
 }
 
 TEST(Instrument, DefaultBringsEverythingButTheNameBack) {

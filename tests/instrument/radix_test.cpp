@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace quillpg {
@@ -23,13 +24,7 @@ std::string Format(const std::vector<std::uint64_t>& value, int bits, Radix radi
 }
 
 TEST(Radix, ParsesWhateverTextComes) {
-  struct Row {
-    const char* text;
-    int bits;
-    Radix radix;
-    const char* hex;
-  };
-  const Row rows[] = {
+  const std::tuple<const char*, int, Radix, const char*> rows[] = {
       {"", 16, Radix::Hex, "0000"},
       {"FFFFF", 16, Radix::Hex, "FFFF"},
       {"12G4", 16, Radix::Hex, "0012"},
@@ -51,9 +46,9 @@ TEST(Radix, ParsesWhateverTextComes) {
       {"18446744073709551616", 64, Radix::Decimal, "0000000000000000"},
       {"1000000000000000000000000000", 92, Radix::Decimal, "33B2E3C9FD0803CE8000000"},
   };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.text);
-    EXPECT_EQ(Format(Parse(row.text, row.bits, row.radix), row.bits, Radix::Hex), row.hex);
+  for (const auto& [text, bits, radix, hex] : rows) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(Format(Parse(text, bits, radix), bits, Radix::Hex), hex);
   }
 }
 

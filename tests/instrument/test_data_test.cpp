@@ -1,11 +1,3 @@
-#include "hardware/simulation/memory_sink.h"
-#include "instrument/instrument.h"
-#include "program/block_manager.h"
-#include "program/event_manager.h"
-#include "program/sequence_manager.h"
-#include "program/subsequence_manager.h"
-#include "quillpg/app_server.h"
-#include "support/ask.h"
 #include "support/instrument_fixture.h"
 #include "support/program_builder.h"
 
@@ -13,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <numeric>
 #include <vector>
 
@@ -34,14 +27,7 @@ COUNTS CountsOf(CInstrumentFixture& engine) {
 // Compiles, downloads and plays; what `module` drove.
 Words Play(CInstrumentFixture& engine, int module, std::int64_t limit, PlayEnd expected) {
   CMemorySink sink;
-  engine.Simulation().AddVectorSink(&sink);
-  EXPECT_EQ(engine.Server().Compile(), S_OK);
-  EXPECT_EQ(engine.Server().Download(), S_OK);
-  EXPECT_EQ(engine.Server().Run(), S_OK);
-  PlayEnd end = PlayEnd::Waiting;
-  EXPECT_EQ(engine.Simulation().PlayUntilIdle(limit, end), S_OK);
-  EXPECT_EQ(end, expected);
-  engine.Simulation().RemoveVectorSink(&sink);
+  engine.Play(sink, limit, expected);
   return sink.Levels(module);
 }
 
@@ -135,6 +121,43 @@ TEST(TestData, TheLargestBlockCountsItsVectors) {
   Words expected = Numbers(262140);
   for (std::uint64_t i = 0; i < 10; ++i) expected.push_back(i);
   EXPECT_TRUE(played == expected);
+}
+
+// Neither compiles: the sequence is the user's, or the blocks exceed the memory.
+TEST(TestData, CellsAndTheMostBlocksHoldTheirNumbers) {
+  const struct {
+    TestDataType type;
+    ChannelMode mode;
+    COUNTS counts;
+    int size, growth;  // of the first block, from block to block
+  } rows[] = {{TestDataType::Cell, ChannelMode::Full, {4, 1, 0, 0}, 40, 1},
+              {TestDataType::Cell, ChannelMode::Half, {8, 1, 0, 0}, 80, 1},
+              {TestDataType::MaxBlocks, ChannelMode::Full, {4000, 4000, 0, 0}, 250, 0},
+              {TestDataType::MaxBlocks, ChannelMode::Half, {4000, 4000, 0, 0}, 496, 0}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(testing::Message() << GetDisplayText(row.type) << ", " << row.size);
+    CInstrumentFixture engine;
+    (void)engine.Instrument().SetChannelMode(row.mode);
+    ASSERT_EQ(engine.Instrument().CreateTestData(row.type), S_OK);
+    EXPECT_EQ(CountsOf(engine), row.counts);
+    for (int b = 0; b < row.counts[0]; ++b) {
+      BLOCK& block = engine.BlockAt(b);
+      const std::string name = "Block" + std::to_string(b);
+      ASSERT_EQ(block.GetBlockName(), name);
+      ASSERT_EQ(block.GetBlockSize(), row.size + b * row.growth);
+      for (int v = 0; v < block.GetBlockSize(); ++v) {
+        std::uint64_t number = 0;
+        std::memcpy(&number, block.Data() + static_cast<std::size_t>(v) * block.RowBytes(),
+                    block.RowBytes());
+        ASSERT_EQ(number, static_cast<std::uint64_t>(row.growth != 0 ? v : b));
+      }
+      if (row.growth != 0) continue;
+      const SEQUENCE_LINE& line = *Find(engine.Sequence(), &CSequenceManager::GetSequenceLine, b);
+      ASSERT_EQ(line.GetLabel() + line.GetOutput(), "Line" + std::to_string(b) + name);
+      ASSERT_EQ(line.GetRepeatCount(), 1);
+    }
+    EXPECT_EQ(engine.Server().Compile(), E_FAIL);
+  }
 }
 
 TEST(TestData, RefusesWithoutTouchingTheProgram) {

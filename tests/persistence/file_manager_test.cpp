@@ -1,11 +1,9 @@
 #include "persistence/file_manager.h"
 
-#include "hardware/module_manager.h"
 #include "persistence/fixed_section.h"
 #include "support/saved_system.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace quillpg {
 namespace {
@@ -29,9 +27,7 @@ TEST(FileManager, SystemComesBackAsItWas) {
   EXPECT_EQ(30U, system.Router().percents.size());
   EXPECT_EQ(2U, system.Router().status.size());
   for (int i = 0; i < 3; ++i) EXPECT_EQ(CSavedSystem::DataOf(i), system.Data(i)) << i;
-  int current = -1;
-  (void)system.Instruments().GetCurrentInst(current);
-  EXPECT_EQ(0, current);
+  EXPECT_EQ(0, Ask(system.Instruments(), &CInstrumentManager::GetCurrentInst));
   ASSERT_EQ(S_OK, system.Server().SaveSystem(1));  // by the name and comment that were loaded
   EXPECT_EQ(saved, system.Bytes());
   EXPECT_THAT(system.Folder().Names(), ElementsAre("system.pgs"));
@@ -60,9 +56,7 @@ TEST(FileManager, ModuleFileHoldsOneInstrument) {
   std::string comment = "of one";
   ASSERT_EQ(S_OK, system.Server().SaveModule(file, comment, 1));
   EXPECT_EQ("", system.SystemFile());
-  std::string taken;
-  (void)system.Instrument(1)->GetFileName(taken);
-  EXPECT_EQ(file, taken);
+  EXPECT_EQ(file, Ask(*system.Instrument(1), &CInstrument::GetFileName));
   unsigned long size = 0;
   EXPECT_EQ(S_OK, system.Files().GetCurrentInstSize(size, 1));
   EXPECT_EQ(system.Folder().Text("module.pgs").size(), size);
@@ -73,8 +67,7 @@ TEST(FileManager, ModuleFileHoldsOneInstrument) {
   ASSERT_EQ(S_OK, system.Server().LoadModule(file, "pg 2"));
   EXPECT_EQ("PG 3", system.Name(2));
   EXPECT_EQ(CSavedSystem::DataOf(1), system.Data(2));
-  (void)system.Instrument(2)->GetFileName(taken);
-  EXPECT_EQ(file, taken);
+  EXPECT_EQ(file, Ask(*system.Instrument(2), &CInstrument::GetFileName));
   EXPECT_THAT(system.Router().status,
               ElementsAre("Reading the file " + file + ". Please wait...", ""));
   EXPECT_EQ(0, system.Host().cursorDepth);
@@ -88,9 +81,8 @@ TEST(FileManager, LoadModuleStepsOverTheOthers) {
   EXPECT_EQ(CSavedSystem::DataOf(2), system.Data(0));
   EXPECT_EQ(CSavedSystem::DataOf(1), system.Data(1));
   EXPECT_EQ("PG 1", system.Name(0));
-  std::string taken;
-  (void)system.Instrument(0)->GetFileName(taken);
-  EXPECT_EQ("", taken) << "a file of several instruments names none";
+  EXPECT_EQ("", Ask(*system.Instrument(0), &CInstrument::GetFileName))
+      << "a file of several instruments names none";
   EXPECT_EQ(0, CFileManager::IsLoadModuleEnabled());
 
   // A search that fails leaves its mark, which must not keep a later load from the data.
@@ -108,15 +100,11 @@ TEST(FileManager, DataWindowLoadsTheNamedInstrumentWhole) {
   (void)system.Instruments().SetComment("held");
   ASSERT_EQ(S_OK, system.Files().LoadDataWindow(system.File(), "pg 2"));
   EXPECT_EQ("4/1/2/1/1", system.Counts(0));
-  EXPECT_EQ("00000000", system.Data(0)) << "stepped over";
+  EXPECT_EQ("????????", system.Data(0)) << "stepped over";
   EXPECT_EQ(CSavedSystem::DataOf(1), system.Data(1));
   EXPECT_EQ("0/0/0/0/0", system.Counts(2)) << "never read";
-  int current = 0;
-  (void)system.Instruments().GetCurrentInst(current);
-  EXPECT_EQ(-1, current);
-  std::string comment;
-  (void)system.Instruments().GetComment(comment);
-  EXPECT_EQ("held", comment);
+  EXPECT_EQ(-1, Ask(system.Instruments(), &CInstrumentManager::GetCurrentInst));
+  EXPECT_EQ("held", Ask(system.Instruments(), &CInstrumentManager::GetComment));
   EXPECT_EQ("", system.Router().status.back());
 }
 
@@ -136,6 +124,7 @@ TEST(FileManager, TellsWhatItCannotOpen) {
       {"empty", "", PG_E_NOT_SETUP_FILE},
       {"short", whole.substr(0, 10), PG_E_NOT_SETUP_FILE},
       {"other product", "X" + whole.substr(1), PG_E_NOT_SETUP_FILE},
+      {"a longer name", whole.substr(0, 27) + "s" + whole.substr(27), PG_E_NOT_SETUP_FILE},
       {"large and strange", std::string(1'000'000, 'x'), PG_E_NOT_SETUP_FILE},
       {"head cut", whole.substr(0, 50), E_UNEXPECTED},
       {"head cut, large", whole.substr(0, 28) + std::string(1'000'000, '\x7f'), E_UNEXPECTED},
@@ -195,8 +184,7 @@ TEST(FileManager, ChecksWhetherASystemFits) {
     EXPECT_EQ(row.second, system.Files().CanLoadModuleFile(folder.File(row.file), "pg 2", first));
   }
   CInstrumentFixture wide(2);
-  CFileManager* files = nullptr;
-  (void)wide.Server().GetFileManager(&files);
+  CFileManager* files = Find(wide.Server(), &CAppServer::GetFileManager);
   EXPECT_EQ(PG_E_INSTRUMENT_MODULES,
             files->CanLoadModuleFile(folder.File("flat"), "PG 2", &wide.Instrument()));
   EXPECT_EQ(E_FAIL, files->CanLoadModuleFile(folder.File("flat"), "PG 9", &wide.Instrument()));
@@ -229,18 +217,14 @@ TEST(FileManager, FailedLoadLeavesNoFileToSaveTo) {
   const std::string whole = system.Folder().Text("system.pgs");
   const std::string cut = system.Folder().Write("cut", whole.substr(0, whole.size() / 2));
   EXPECT_EQ(PG_E_INSTRUMENT_RECORD, system.Server().LoadSystem(cut));
-  int count = 0;
-  (void)system.Instruments().GetNoOfInstruments(count);
-  EXPECT_EQ(2, count);
+  EXPECT_EQ(2, Ask(system.Instruments(), &CInstrumentManager::GetNoOfInstruments));
   EXPECT_EQ("", system.SystemFile());
   EXPECT_EQ(E_FAIL, system.Server().SaveSystem(1));
   EXPECT_EQ(S_OK, system.Server().LoadSystem(system.File()));
 
   // Fewer modules than the file has: the instrument that lacks one cannot be read.
   ASSERT_EQ(S_OK, system.Simulation().SetModules(1));
-  CModuleManager* modules = nullptr;
-  (void)system.Server().GetModuleManager(&modules);
-  ASSERT_EQ(S_OK, modules->Initialize());
+  ASSERT_EQ(S_OK, system.Modules().Initialize());
   EXPECT_EQ(PG_E_INSTRUMENT_RECORD, system.Server().LoadSystem(system.File()));
   EXPECT_EQ(CSavedSystem::DataOf(0), system.Data(0));
 }
@@ -262,8 +246,7 @@ TEST(FileManager, RefusedSaveLeavesFileAndModelAlone) {
   std::string folder = system.Folder().Path().string();
   std::string comment = "not taken";
   EXPECT_EQ(E_FAIL, system.Server().SaveSystem(folder, comment, 1));
-  (void)system.Instruments().GetComment(comment);
-  EXPECT_EQ("", comment);
+  EXPECT_EQ("", Ask(system.Instruments(), &CInstrumentManager::GetComment));
   EXPECT_EQ(file, system.SystemFile());
   EXPECT_EQ(before, system.Folder().Text("system.pgs"));
   EXPECT_EQ("", system.Router().status.back());
@@ -276,13 +259,11 @@ class CMeddlingRouter : public CMessageRouter {
  public:
   explicit CMeddlingRouter(CSavedSystem& system) : m_system(system) {}
   void SetProgressStatus(int) override {
-    CModuleManager* modules = nullptr;
-    (void)m_system.Server().GetModuleManager(&modules);
     CInstrumentManager& instruments = m_system.Instruments();
     std::stringstream head;
     statuses.insert({m_system.Files().WriteFixedSection(head, FileType::System, -1),
                      m_system.Files().ReadFixedSection(head),
-                     m_system.Files().CreateInstruments(modules, &instruments),
+                     m_system.Files().CreateInstruments(&m_system.Modules(), &instruments),
                      instruments.DeleteAll(), instruments.DeleteInstrumentAt(0),
                      m_system.Server().LoadSystem(m_system.File()),
                      m_system.Files().IsPGFile(m_system.File()),

@@ -1,11 +1,15 @@
 #include "app/setup_stream.h"
+#include "app/version_info.h"
 #include "base/setup_file_format.h"
-#include "hardware/module_manager.h"
 #include "persistence/setup_file_walker.h"
-#include "support/reference_file.h"
+#include "support/model_values.h"
 #include "support/saved_system.h"
 
 #include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <utility>
 
 // Whole files that an independent program wrote: read, written, walked, broken.
 
@@ -13,15 +17,31 @@ namespace quillpg {
 namespace {
 
 using ByteList = std::vector<std::uint8_t>;
+using Leaves = std::vector<std::pair<std::string, Json>>;  // each with its place
+
+void AddLeaves(const Json& json, const std::string& place, Leaves& leaves) {
+  if (!json.is_structured()) return (void)leaves.emplace_back(place, json);
+  for (const auto& [key, part] : json.items()) AddLeaves(part, place + "/" + key, leaves);
+}
+
+// A file of tests/data/setup and what it holds.
+struct CReferenceFile {
+  explicit CReferenceFile(const std::string& name) {
+    const std::string path = std::string(QUILLPG_TEST_DATA) + "/setup/" + name;
+    std::ifstream file(path + ".pgs", std::ios::binary);
+    bytes.assign(std::istreambuf_iterator<char>(file), {});
+    json = Json::parse(std::ifstream(path + ".json"));
+  }
+  ByteList bytes;
+  Json json;
+};
 
 // A reference file, loaded by an engine whose simulated modules have the file's pods and memory.
 class CReferenceSystem : public CSavedSystem {
  public:
   explicit CReferenceSystem(const std::string& name) : CSavedSystem(0), file(name) {
-    (void)Simulation().SetModules(Modules());
-    CModuleManager* modules = nullptr;
-    (void)Server().GetModuleManager(&modules);
-    (void)modules->Initialize();
+    (void)Simulation().SetModules(Described());
+    (void)Modules().Initialize();
     (void)Folder().Write("original", {file.bytes.begin(), file.bytes.end()});
     Load("original");
     section = Files().FixedSection();
@@ -56,7 +76,7 @@ class CReferenceSystem : public CSavedSystem {
   FIXED_SECTION section;
 
  private:
-  std::vector<SIMULATED_MODULE> Modules() const {
+  std::vector<SIMULATED_MODULE> Described() const {
     std::vector<SIMULATED_MODULE> modules;
     for (const Json& instrument : file.json["instruments"]) {
       for (const Json& described : instrument["modules"]) {
@@ -79,7 +99,7 @@ class CReferenceSystem : public CSavedSystem {
     for (int i = 0; CInstrument* instrument = Instrument(i); ++i) {
       const CProgramView program(*instrument);
       visit(*instrument);
-      visit(Manager(*instrument, &CInstrument::GetGroupManager));
+      visit(*Find(*instrument, &CInstrument::GetGroupManager));
       if (section.programDataSaved == 0) continue;
       visit(*program.Blocks());
       visit(*program.Sequence());
@@ -91,59 +111,80 @@ class CReferenceSystem : public CSavedSystem {
 
 // What the reader is to find: settings that only a variable probe has, where there is one; and what
 // a file of its kind does not tell.
-Json Expected(const CReferenceFile& file) {
-  Json instruments = file.json["instruments"];
-  for (Json& instrument : instruments) {
+Leaves Expected(Json json, bool firstRelease) {
+  for (Json& instrument : json["instruments"]) {
     for (Json& module : instrument["modules"]) {
       for (Json& probe : module["probes"]) {
         if (probe["pod_type"] != 4) probe.erase("variable");
       }
     }
-    if (file.json["header"]["program"] == 0) instrument["inhibit_event"] = 0;
+    if (json["header"]["program"] == 0) instrument["inhibit_event"] = 0;
+    for (Json& group : instrument["groups"]) firstRelease&& group.erase("text");
+    for (Json& block : instrument["blocks"]) firstRelease&& block.erase("rows");
   }
-  return instruments;
+  Leaves leaves;
+  AddLeaves(json, "", leaves);
+  return leaves;
 }
 
-void EraseWhatOldFilesLack(Json& instruments) {
-  for (Json& instrument : instruments) {
-    for (Json& group : instrument["groups"]) group.erase("text");
-    for (Json& block : instrument["blocks"]) block.erase("rows");
-  }
+// Floats of the file are described in double precision.
+bool Equal(const Json& a, const Json& b) {
+  return a == b || (a.is_number_float() && b.is_number_float() && a.get<float>() == b.get<float>());
 }
 
-// Floats of the file are given in double precision.
-void NarrowFloats(Json& value) {
-  if (value.is_number_float()) value = static_cast<float>(value.get<double>());
-  if (value.is_structured()) {
-    for (Json& part : value) NarrowFloats(part);
-  }
+// "record / field = value" for each field of a file, without those of the names and of the records
+// so called; they must follow each other from the first byte to the last.
+using NAMES = std::vector<std::string_view>;
+std::vector<std::string> Fields(const std::string& text, const NAMES& without) {
+  std::vector<std::string> fields;
+  std::uint64_t next = 0;
+  const auto keep = [&](const SETUP_FIELD& field) {
+    EXPECT_EQ(next, field.offset) << field.record << " / " << field.name;
+    next = field.offset + field.size;
+    if (std::ranges::none_of(without, [&](std::string_view name) {
+          return name == field.name || field.record.find(name) != field.record.npos;
+        })) {
+      fields.push_back(std::string(field.record) + " / " + std::string(field.name) + " = " +
+                       field.value);
+    }
+  };
+  SETUP_FILE_CONTENTS contents;
+  const ByteList bytes(text.begin(), text.end());
+  EXPECT_EQ(S_OK, WalkSetupFile(bytes, keep, contents)) << contents.failedField;
+  EXPECT_EQ(bytes.size(), next);
+  return fields;
 }
 
-class SetupFile : public testing::TestWithParam<const char*> {};
+struct REFERENCE {
+  const char* name;
+  NAMES rewritten = {};  // fields that a first save makes anew
+};
+
+const REFERENCE kReferences[] = {
+    {"minimal"},
+    {"simple"},
+    {"two_modules_half"},
+    {"random_a"},
+    {"random_b"},
+    {"other_pods"},
+    {"odd_views", {"instrument entry"}},
+    {"without_program", {"inhibit event"}},
+    {"old_version", {"software version", "channel names", "waveform row count", "waveform row"}}};
+
+class SetupFile : public testing::TestWithParam<REFERENCE> {};
 
 TEST_P(SetupFile, IsReadAsDescribedAndWrittenByteForByte) {
-  const std::string name = GetParam();
-  const bool old = name == "old_version";
-  CReferenceSystem system(name);
-  const Json& described = system.file.json["instruments"];
-  EXPECT_EQ(system.file.json["header"], SectionJson(system.section));
-  Json expected = Expected(system.file);
-  Json found = Json::array();
-  for (int i = 0; const CInstrument* instrument = system.Instrument(i); ++i) {
-    found.push_back(InstrumentJson(*instrument));
+  const bool old = std::string_view(GetParam().name) == "old_version";
+  CReferenceSystem system(GetParam().name);
+  CModelValues found(old);
+  found.Add(system.section);
+  for (int i = 0; const CInstrument* instrument = system.Instrument(i); ++i) found.Add(*instrument);
+  const Leaves expected = Expected(system.file.json, old);
+  for (std::size_t i = 0; i < std::min(expected.size(), found.values.size()); ++i) {
+    const auto& [place, value] = expected[i];
+    ASSERT_TRUE(Equal(value, found.values[i])) << place << ": " << value << found.values[i];
   }
-  if (old) {
-    const std::string text = found[0]["groups"][0]["text"];
-    EXPECT_EQ(described[0]["groups"][0]["channels"].size(),
-              static_cast<std::size_t>(std::ranges::count(text, ',')) + 1)
-        << "the texts are made anew";
-    EXPECT_FALSE(found[0]["blocks"][0]["rows"].empty()) << "the rows are those of the groups";
-    EraseWhatOldFilesLack(expected);
-    EraseWhatOldFilesLack(found);
-  }
-  NarrowFloats(expected);
-  NarrowFloats(found);
-  EXPECT_EQ(expected, found) << Json::diff(expected, found).dump(1);
+  EXPECT_EQ(expected.size(), found.values.size());
 
   // Saved again: the same but for the date, or what a second save gives, too.
   const FIXED_SECTION& head = system.section;
@@ -155,58 +196,37 @@ TEST_P(SetupFile, IsReadAsDescribedAndWrittenByteForByte) {
     EXPECT_EQ(system.Folder().Text(next).size(), size);
     system.Load(next);
   }
-  const bool same = !old && name != "odd_views" && name != "without_program";
-  EXPECT_EQ(same, system.Bytes("original") == system.Bytes("first"));
+  NAMES rewritten = GetParam().rewritten;
+  EXPECT_EQ(rewritten.empty(), system.Bytes("original") == system.Bytes("first"));
+  rewritten.push_back("date saved");
+  const auto before = Fields(system.Folder().Text("original"), rewritten);
+  const auto after = Fields(system.Folder().Text("first"), rewritten);
+  const auto [was, is] = std::ranges::mismatch(before, after);
+  EXPECT_TRUE(was == before.end() && is == after.end())
+      << (was == before.end() ? "" : *was) << " became " << (is == after.end() ? "" : *is);
   EXPECT_TRUE(system.Bytes("first") == system.Bytes("second"));
 
   if (old) return;  // nobody writes that form
   system.Load("original");
   for (int i = 0; CInstrument* instrument = system.Instrument(i); ++i) {
-    (void)instrument->SetInhibitEvent(described[static_cast<std::size_t>(i)]["inhibit_event"]);
+    (void)instrument->SetInhibitEvent(
+        system.file.json["instruments"][static_cast<std::size_t>(i)]["inhibit_event"]);
   }
   EXPECT_TRUE(system.file.bytes == system.Written());
 }
 
-TEST_P(SetupFile, IsWalkedWithoutAModel) {
-  const CReferenceFile file(GetParam());
-  SETUP_FILE_CONTENTS contents;
-  std::uint64_t next = 0;
-  const auto follows = [&next](const SETUP_FIELD& field) {
-    EXPECT_EQ(next, field.offset) << field.record << " / " << field.name;
-    next = field.offset + field.size;
-  };
-  ASSERT_EQ(S_OK, WalkSetupFile(file.bytes, follows, contents)) << contents.failedField;
-  EXPECT_EQ(file.bytes.size(), contents.bytesRead);
-  EXPECT_EQ(file.bytes.size(), next);
-  Json expected = Json::array();
-  for (const Json& instrument : file.json["instruments"]) {
-    expected.push_back({instrument["name"], instrument["blocks"].size(),
-                        instrument["events"].size(), instrument["modules"].size()});
-  }
-  Json found = Json::array();
-  for (const SETUP_FILE_INSTRUMENT& instrument : contents.instruments) {
-    found.push_back(
-        {instrument.name, instrument.blocks, instrument.events, instrument.pods.size()});
-  }
-  EXPECT_EQ(expected, found);
-}
-
 TEST_P(SetupFile, BrokenAtAnyByteIsRefusedByTheWalk) {
-  const CReferenceFile file(GetParam());
+  const CReferenceFile file(GetParam().name);
   const std::size_t step = 1 + file.bytes.size() / 5000;
   for (std::size_t length = 0; length < file.bytes.size(); length += step) {
     SETUP_FILE_CONTENTS contents;
-    const std::span whole(file.bytes);
-    EXPECT_NE(S_OK, WalkSetupFile(whole.first(length), {}, contents)) << length;
+    EXPECT_NE(S_OK, WalkSetupFile(std::span(file.bytes).first(length), {}, contents)) << length;
     EXPECT_LE(contents.failedOffset, length);
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Reference, SetupFile,
-                         testing::Values("minimal", "simple", "two_modules_half", "random_a",
-                                         "random_b", "other_pods", "odd_views", "without_program",
-                                         "old_version"),
-                         [](const auto& row) { return std::string(row.param); });
+INSTANTIATE_TEST_SUITE_P(Reference, SetupFile, testing::ValuesIn(kReferences),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST(BadSetupFile, BrokenAtAnyByteIsRefusedByTheModel) {
   CReferenceSystem system("simple");
@@ -259,75 +279,16 @@ TEST(BadSetupFile, LyingCountsEndInAStatus) {
   }
 }
 
-TEST(BadSetupFile, AnyByteChangedEndsInSomeStatus) {
-  CReferenceSystem system("simple");
-  for (std::size_t i = 0; i < system.file.bytes.size(); ++i) {
-    for (const std::uint8_t value : {std::uint8_t{0xFF}, std::uint8_t{0x80}}) {
-      ByteList bad = system.file.bytes;
-      bad[i] ^= value;
-      CSetupFileReader reader(bad);
-      (void)system.Read(reader);
-    }
-  }
-}
-
-TEST(FixedSection, RefusesWhatIsNoSetupFile) {
-  const std::string product = PRODUCT_NAME;
-  const auto bytes = [&](const std::string& identifier) {
-    CByteWriter writer;
-    FIXED_SECTION section;
-    section.productName = identifier;
-    section.instruments.resize(1);
-    (void)section.Write(writer);
-    return ByteList(writer.Written().begin(), writer.Written().end());
-  };
-  std::string other = product;
-  other.back() = 'X';
-  ByteList huge = bytes(product);
-  huge[product.size() + 1 + 3 * 5 + 8 + 1] = 0x20;  // the instrument count
-  const struct Row {
-    const char* what;
-    ByteList bytes;
-    Status status;
-    std::string kept;  // of the product name
-  } rows[] = {
-      {"another letter case", bytes(FoldCase(std::string_view(product))), S_OK,
-       FoldCase(std::string_view(product))},
-      {"another product", bytes(other), PG_E_NOT_SETUP_FILE, other},
-      {"a longer name", bytes(product + "s"), PG_E_NOT_SETUP_FILE, product + "s"},
-      {"a shorter name", bytes(product.substr(1)), PG_E_NOT_SETUP_FILE, product.substr(1)},
-      {"nothing", {}, PG_E_NOT_SETUP_FILE, ""},
-      {"more instruments than any system", huge, E_UNEXPECTED, ""},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.what);
-    FIXED_SECTION section;
-    section.comment = "held";
-    CSetupFileReader reader(row.bytes);
-    EXPECT_EQ(row.status, section.Read(reader, product));
-    EXPECT_EQ(row.kept, section.productName);
-    EXPECT_EQ("", section.comment);
-  }
-}
-
 TEST(FixedSection, TheVersionDecidesTheForm) {
-  CEngineFixture engine;  // software 1.1.008
-  const struct Row {
-    const char* version;
-    bool hasNamesAndRows;
-    bool rebuildsNames;
-  } rows[] = {
+  const std::tuple<const char*, bool, bool> rows[] = {
+      // Version, has texts and rows, has its texts made anew; the engine's own is 1.1.008.
       {"1.0.012", false, true}, {"1.0.", false, true},   {"1.0", true, false},
-      {"1.1.008", true, false}, {"1.10.1", true, false}, {"", true, false},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.version);
-    const SETUP_FILE_FORM form = FormOfVersion(row.version, PRODUCT_VERSION);
-    EXPECT_EQ(row.hasNamesAndRows, form.hasNamesAndRows);
-    EXPECT_EQ(row.rebuildsNames, form.rebuildsNames);
+      {"1.1.008", true, false}, {"1.10.1", true, false}, {"", true, false}};
+  for (const auto& [version, hasNamesAndRows, rebuildsNames] : rows) {
+    const SETUP_FILE_FORM form = FormOfVersion(version, PRODUCT_VERSION);
+    EXPECT_EQ(hasNamesAndRows, form.hasNamesAndRows) << version;
+    EXPECT_EQ(rebuildsNames, form.rebuildsNames) << version;
   }
-  EXPECT_FALSE(FormOfVersion(PRODUCT_VERSION, PRODUCT_VERSION).rebuildsNames)
-      << "no file of ours may look old";
 }
 
 }  // namespace

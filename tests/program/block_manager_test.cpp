@@ -1,11 +1,8 @@
 #include "program/block_manager.h"
 
-#include "instrument/instrument.h"
-#include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace quillpg {
 namespace {
@@ -22,16 +19,12 @@ class BlockManager : public testing::Test, public CInstrumentFixture {
     (void)Blocks().SetModified(0);
     EXPECT_THAT(Handler().Take(), IsEmpty());  // adding is silent
   }
-  BLOCK* Block(int index) {
-    BLOCK* block = nullptr;
-    EXPECT_EQ(Blocks().GetBlock(index, &block), S_OK);  // also where there is none
-    return block;
-  }
+  BLOCK* Block(int index) { return Find(Blocks(), &CBlockManager::GetBlock, index); }
   std::string Names() {
-    int count = 0;
-    (void)Blocks().GetNoOfBlocks(count);
     std::string names;
-    for (int i = 0; i < count; ++i) names += Block(i) ? Block(i)->GetBlockName() : "-";
+    for (int i = 0; i < Ask(Blocks(), &CBlockManager::GetNoOfBlocks); ++i) {
+      names += Block(i) ? Block(i)->GetBlockName() : "-";
+    }
     return names;
   }
 };

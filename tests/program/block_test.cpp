@@ -20,19 +20,18 @@ class Block : public testing::Test {
 };
 
 TEST_F(Block, HoldsWholeBytesOfEveryVector) {
-  struct Row {
+  const struct {
     int size;
     int width;
     char fill;
     int bytes;  // 0: no data
     int value;
     std::uint64_t fileBytes;  // rounded up, unlike the buffer
-  };
-  const Row rows[] = {{100, 32, '\0', 400, 0x00, 400}, {100, 12, '0', 100, 0xFF, 150},
-                      {3, 12, '1', 3, 0xFF, 5},        {100, 7, '\0', 0, 0, 88},
-                      {0, 32, '\0', 0, 0, 0},          {-1, 32, '\0', 0, 0, 0},
-                      {100, -8, '\0', 0, 0, 0},        {INT_MIN, INT_MIN, '\0', 0, 0, 0}};
-  for (const Row& row : rows) {
+  } rows[] = {{100, 32, '\0', 400, 0x00, 400}, {100, 12, '0', 100, 0xFF, 150},
+              {3, 12, '1', 3, 0xFF, 5},        {100, 7, '\0', 0, 0, 88},
+              {0, 32, '\0', 0, 0, 0},          {-1, 32, '\0', 0, 0, 0},
+              {100, -8, '\0', 0, 0, 0},        {INT_MIN, INT_MIN, '\0', 0, 0, 0}};
+  for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << row.size << "x" << row.width);
     BLOCK block;
     const std::uint64_t bare = block.GetSize();

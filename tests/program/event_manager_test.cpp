@@ -1,9 +1,9 @@
 #include "program/event_manager.h"
 
+#include "support/ask.h"
 #include "support/recording_event_handler.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace quillpg {
 namespace {
@@ -12,16 +12,12 @@ using testing::ElementsAre;
 using MANAGER = CEventManager;
 
 EVENT* At(const CEventManager& manager, int index) {
-  EVENT* event = nullptr;
-  EXPECT_EQ(manager.GetEvent(index, &event), S_OK);  // also where there is none
-  return event;
+  return Find(manager, &CEventManager::GetEvent, index);
 }
 
 std::string Names(const CEventManager& manager) {
-  int count = 0;
-  (void)manager.GetNoOfEvents(count);
   std::string names;
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < Ask(manager, &CEventManager::GetNoOfEvents); ++i) {
     names += (At(manager, i) ? At(manager, i)->GetEventName() : "-") + " ";
   }
   return names;

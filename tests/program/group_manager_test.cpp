@@ -1,11 +1,10 @@
 #include "program/group_manager.h"
 
-#include "instrument/instrument.h"
-#include "program/block_manager.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
+
+#include <tuple>
 
 namespace quillpg {
 namespace {
@@ -21,17 +20,9 @@ class GroupManager : public testing::Test, public CInstrumentFixture {
     (void)Groups().AddGroup("Data");
     (void)Groups().AddGroup("Bus");
   }
-  std::vector<std::string> Names() {
-    std::vector<std::string> names;
-    EXPECT_EQ(Groups().GetGroupNames(names), S_OK);
-    return names;
-  }
-  GROUP& Group(int index) {
-    GROUP* group = nullptr;
-    EXPECT_EQ(Groups().GetGroup(index, &group), S_OK);
-    return *group;
-  }
-  int Find(const char* name) {
+  std::vector<std::string> Names() { return Ask(Groups(), &CGroupManager::GetGroupNames); }
+  GROUP& Group(int index) { return *Find(Groups(), &CGroupManager::GetGroup, index); }
+  int IndexOf(const char* name) {
     int index = -7;
     const Status status = Groups().FindGroup(name, index);
     EXPECT_EQ(status, index < 0 ? E_FAIL : S_OK);
@@ -39,48 +30,41 @@ class GroupManager : public testing::Test, public CInstrumentFixture {
   }
   // Names of the group states of the first block.
   std::vector<std::string> StateNames() {
-    BLOCK* block = nullptr;
-    (void)Blocks().GetBlock(0, &block);
     std::vector<std::string> names;
-    GROUP_STATE* state = nullptr;
-    for (int i = 0; block->GetGroupState(i, &state); ++i) names.push_back(state->GetGroupName());
+    BlockAt(0).GetListingState().groupStates.ForEach(
+        [&](const GROUP_STATE& state) { names.push_back(state.GetGroupName()); });
     return names;
   }
 };
 
 TEST_F(GroupManager, AddingAndInsertingDifferInWhatTheyRefuse) {
-  struct Row {
-    const char* name;
-    Status added;
-    Status inserted;
-  };
-  const Row rows[] = {{" \tNew ", S_OK, S_OK},
-                      {" DATA ", PG_E_NAME_USED, E_FAIL},
-                      {"  ", E_FAIL, S_OK},
-                      {"Data2", S_OK, S_OK}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(Groups().AddGroup(row.name), row.added);
-    if (!Failed(row.added)) (void)Groups().DeleteGroup(2);
-    EXPECT_EQ(Groups().InsertGroup(0, row.name), row.inserted);
-    if (!Failed(row.inserted)) (void)Groups().DeleteGroup(0);
+  const std::tuple<const char*, Status, Status> rows[] = {{" \tNew ", S_OK, S_OK},
+                                                          {" DATA ", PG_E_NAME_USED, E_FAIL},
+                                                          {"  ", E_FAIL, S_OK},
+                                                          {"Data2", S_OK, S_OK}};
+  for (const auto& [name, added, inserted] : rows) {
+    SCOPED_TRACE(name);
+    EXPECT_EQ(Groups().AddGroup(name), added);
+    if (!Failed(added)) (void)Groups().DeleteGroup(2);
+    EXPECT_EQ(Groups().InsertGroup(0, name), inserted);
+    if (!Failed(inserted)) (void)Groups().DeleteGroup(0);
     EXPECT_THAT(Names(), ElementsAre("Data", "Bus"));
   }
 }
 
 // Look-ups go through an index; whatever changes a name must reach it.
 TEST_F(GroupManager, FindsByTheNamesThatTheGroupsHaveNow) {
-  EXPECT_EQ(Find("Bus"), 1);
+  EXPECT_EQ(IndexOf("Bus"), 1);
   (void)Group(0).SetGroupName("Bus");  // behind the manager's back, and now the first of the name
-  EXPECT_EQ(Find("Bus"), 0);
-  EXPECT_EQ(Find("Data"), -1);
+  EXPECT_EQ(IndexOf("Bus"), 0);
+  EXPECT_EQ(IndexOf("Data"), -1);
   (void)Group(0).Initialize();
-  EXPECT_EQ(Find("bus"), 1);
-  EXPECT_EQ(Find(" "), 0);
+  EXPECT_EQ(IndexOf("bus"), 1);
+  EXPECT_EQ(IndexOf(" "), 0);
   (void)Groups().AddGroup("Third");
-  EXPECT_EQ(Find("THIRD"), 2);
+  EXPECT_EQ(IndexOf("THIRD"), 2);
   (void)Groups().DeleteGroup(0);
-  EXPECT_EQ(Find("THIRD"), 1);
+  EXPECT_EQ(IndexOf("THIRD"), 1);
 }
 
 TEST_F(GroupManager, RenamesTheGroupAndItsStates) {
@@ -108,25 +92,22 @@ TEST_F(GroupManager, CopyingEmptiesTheTarget) {
   CGroupManager other;
   ASSERT_EQ(other.AddGroup("Mine"), S_OK);
   other = Groups();
-  int count = -1;
-  (void)other.GetNoOfGroups(count);
-  EXPECT_EQ(count, 0);
+  EXPECT_EQ(Ask(other, &CGroupManager::GetNoOfGroups), 0);
   EXPECT_THAT(Names(), ElementsAre("Data", "Bus"));
 }
 
 TEST_F(GroupManager, CreatesTheGroupsOfAnImport) {
-  struct Row {
+  const struct {
     std::vector<std::string> names;
     std::vector<std::string> sizes;
     std::vector<int> counts;  // channels of the groups that are there afterwards
-  };
-  const Row rows[] = {{{"a", "b", "c"}, {"2", "3"}, {2, 3, 0}},
-                      {{"a", "b", "c"}, {"0", "-4", " x"}, {0, 0, 0}},  // no sizes
-                      {{"a", "b", "c"}, {"62", "3", "1"}, {62, 2}},     // 64 channels are there
-                      {{"a", "b", "c"}, {"64", "1", "1"}, {64, 0}},
-                      {{"a", "b"}, {"99999999999999999999", "1"}, {64}},
-                      {{"a", "A ", "b"}, {"1", "1", "1"}, {1, 0}}};  // by position: meant
-  for (const Row& row : rows) {
+  } rows[] = {{{"a", "b", "c"}, {"2", "3"}, {2, 3, 0}},
+              {{"a", "b", "c"}, {"0", "-4", " x"}, {0, 0, 0}},  // no sizes
+              {{"a", "b", "c"}, {"62", "3", "1"}, {62, 2}},     // 64 channels are there
+              {{"a", "b", "c"}, {"64", "1", "1"}, {64, 0}},
+              {{"a", "b"}, {"99999999999999999999", "1"}, {64}},
+              {{"a", "A ", "b"}, {"1", "1", "1"}, {1, 0}}};  // by position: meant
+  for (const auto& row : rows) {
     SCOPED_TRACE(testing::PrintToString(row.sizes));
     EXPECT_EQ(Groups().CreateGroups(row.names, row.sizes), S_OK);
     std::vector<int> counts;
@@ -134,6 +115,33 @@ TEST_F(GroupManager, CreatesTheGroupsOfAnImport) {
       counts.push_back(Group(static_cast<int>(i)).GetNoOfChannels());
     }
     EXPECT_EQ(counts, row.counts);
+  }
+}
+
+TEST_F(GroupManager, ComparesTheGroupsOfAnImportAndFindsThoseOfAChannel) {
+  for (const int channel : {2, 1, 0}) (void)Instrument().AddChannelToGroup("Data", channel, -1);
+  for (const int channel : {3, 2}) (void)Group(1).AddChannel(channel, -1);
+  const struct {
+    std::vector<std::string> names, sizes;
+    Status status;
+  } rows[] = {{{}, {}, S_OK},
+              {{"Data", "Bus"}, {"3", "2"}, S_OK},
+              {{"bus"}, {"2", "9"}, S_OK},  // in any order, sizes without a name do not count
+              {{"Data", "Bus"}, {"3", "3"}, PG_E_GROUPING},
+              {{"Data", "None"}, {"3", "0"}, PG_E_GROUPING},
+              {{"Data", "Bus"}, {"3"}, PG_E_GROUPING}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(Groups().CheckGrouping(row.names, row.sizes), row.status) << &row - rows;
+  }
+  const std::tuple<int, const char*, ChannelSelection> channels[] = {
+      {0, " data ", ChannelSelection::InThisGroup}, {3, "Data", ChannelSelection::InOtherGroup},
+      {2, "Bus", ChannelSelection::InOtherGroup},  // held by the earlier one, too
+      {2, "Data", ChannelSelection::InThisGroup},   {0, "none", ChannelSelection::InOtherGroup},
+      {4, "Data", ChannelSelection::InNoGroup},     {-1, "", ChannelSelection::InNoGroup}};
+  for (const auto& [channel, name, expected] : channels) {
+    auto selection = ChannelSelection::InOtherGroup;
+    EXPECT_EQ(Groups().GetChannelSelectionStatus(channel, name, selection), S_OK);
+    EXPECT_EQ(selection, expected) << channel << name;
   }
 }
 

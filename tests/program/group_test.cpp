@@ -5,25 +5,23 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <utility>
 
 namespace quillpg {
 namespace {
 
 TEST(Group, PutsChannelsWhereAsked) {
-  struct Row {
-    int position;
-    std::vector<int> channels;
-  };
-  const Row rows[] = {{-1, {7, 8, 5}}, {INT_MIN, {7, 8, 5}}, {0, {5, 7, 8}},
-                      {2, {7, 8, 5}},  {4, {7, 8, 0, 0, 5}},  // the gap is channel 0
-                      {65536, {7, 8}}, {INT_MAX, {7, 8}}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.position);
+  const std::pair<int, std::vector<int>> rows[] = {{-1, {7, 8, 5}},      {INT_MIN, {7, 8, 5}},
+                                                   {0, {5, 7, 8}},       {2, {7, 8, 5}},
+                                                   {4, {7, 8, 0, 0, 5}},  // the gap is channel 0
+                                                   {65536, {7, 8}},      {INT_MAX, {7, 8}}};
+  for (const auto& [position, channels] : rows) {
+    SCOPED_TRACE(position);
     GROUP group;
     (void)group.AddChannel(7, -1);
     (void)group.AddChannel(8, -1);
-    EXPECT_EQ(group.AddChannel(5, row.position), S_OK);
-    EXPECT_EQ(group.Channels(), row.channels);
+    EXPECT_EQ(group.AddChannel(5, position), S_OK);
+    EXPECT_EQ(group.Channels(), channels);
   }
 }
 

@@ -1,8 +1,4 @@
-#include "program/block_manager.h"
-#include "program/event_manager.h"
 #include "program/listing_state_manager.h"
-#include "program/sequence_manager.h"
-#include "program/subsequence_manager.h"
 #include "support/instrument_fixture.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +9,7 @@
 #include <typeinfo>
 
 // What the lists of a program have in common, and where their rules differ.
+#include <tuple>
 
 namespace quillpg {
 namespace {
@@ -26,23 +23,18 @@ template <typename T>
 void ExpectLookUps(const T& list, const ADD& add, LOOK_UP<T> find, LOOK_UP<T> count, bool trims) {
   SCOPED_TRACE(typeid(T).name());
   for (const char* name : {"a", "", "b", "B"}) EXPECT_EQ(add(name), S_OK);
-  struct Row {
-    const char* name;
-    int found;
-    int count;
-    Status counted;
-  };
-  const Row rows[] = {{"B", 2, 2, S_OK},
-                      {"\tb ", trims ? 2 : -1, trims ? 2 : 0, S_OK},
-                      {" ", -1, 0, trims ? E_FAIL : S_OK},
-                      {"", -1, 0, E_FAIL}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
+  const std::tuple<const char*, int, int, Status> rows[] = {
+      {"B", 2, 2, S_OK},
+      {"\tb ", trims ? 2 : -1, trims ? 2 : 0, S_OK},
+      {" ", -1, 0, trims ? E_FAIL : S_OK},
+      {"", -1, 0, E_FAIL}};
+  for (const auto& [name, found, total, counted] : rows) {
+    SCOPED_TRACE(name);
     int value = -7;
-    EXPECT_EQ((list.*find)(row.name, value), row.found < 0 ? E_FAIL : S_OK);
-    EXPECT_EQ(value, row.found);
-    EXPECT_EQ((list.*count)(row.name, value), row.counted);
-    EXPECT_EQ(value, row.count);
+    EXPECT_EQ((list.*find)(name, value), found < 0 ? E_FAIL : S_OK);
+    EXPECT_EQ(value, found);
+    EXPECT_EQ((list.*count)(name, value), counted);
+    EXPECT_EQ(value, total);
   }
 }
 
@@ -91,15 +83,11 @@ TEST(ProgramLists, ASubsequenceTakesDuplicatesAndSeesTheirChanges) {
   EXPECT_EQ(subs.SetSubSequence(0, &given), S_OK);
   (void)subs.SetModified(0);
   const std::uint64_t before = subs.Revision();
-  SUBSEQUENCE* held = nullptr;
-  SUBSEQUENCE_LINE* line = nullptr;
-  ASSERT_EQ(subs.GetSubSequence(0, &held), S_OK);
-  ASSERT_EQ(held->GetSubSequenceLine(0, &line), S_OK);
-  (void)line->SetOutput("changed");
+  SUBSEQUENCE* held = Find(subs, &CSubSequenceManager::GetSubSequence, 0);
+  (void)Find(*held, &SUBSEQUENCE::GetSubSequenceLine, 0)->SetOutput("changed");
   EXPECT_NE(subs.Revision(), before);  // counted down to the lines
   EXPECT_EQ(subs.IsModified(), 1);
-  ASSERT_EQ(given.GetSubSequenceLine(0, &line), S_OK);
-  EXPECT_EQ(line->GetOutput(), "");
+  EXPECT_EQ(Find(given, &SUBSEQUENCE::GetSubSequenceLine, 0)->GetOutput(), "");
 }
 
 TEST(ProgramLists, TheListingHasOneStateForAGroup) {

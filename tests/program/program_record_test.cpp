@@ -1,11 +1,7 @@
 #include "base/byte_stream.h"
 #include "base/setup_file_reader.h"
-#include "program/block_manager.h"
-#include "program/group_manager.h"
-#include "program/sequence_manager.h"
 #include "quillpg/limits.h"
 #include "support/instrument_fixture.h"
-#include "support/model_json.h"
 
 #include <gtest/gtest.h>
 
@@ -67,18 +63,6 @@ TEST(BlockRecord, SizeAndWidthHaveTheLimitsOfTheFormat) {
   }
 }
 
-TEST(SequenceRecords, TheListsOwnLimitDoesNotHoldOnReading) {
-  CSequenceManager lines;
-  for (int i = 0; i < MAX_SEQUENCE_LINES; ++i) (void)lines.AddSequenceLine("L");
-  CByteWriter writer;
-  EXPECT_EQ(S_OK, lines.Write(writer));
-  (void)lines.SetModified(0);
-  CSetupFileReader reader(writer.Written());
-  EXPECT_EQ(S_OK, lines.Read(reader)) << "appended";
-  EXPECT_EQ(2 * MAX_SEQUENCE_LINES, Get(lines, &CSequenceManager::GetNoOfSequenceLines));
-  EXPECT_EQ(1, lines.IsModified());
-}
-
 TEST(GroupRecords, AFailureKeepsPlaceholdersAndFailsTheStream) {
   CInstrumentFixture fixture;
   CByteWriter writer;
@@ -93,9 +77,8 @@ TEST(GroupRecords, AFailureKeepsPlaceholdersAndFailsTheStream) {
       std::string(reinterpret_cast<const char*>(writer.Written().data()), writer.Written().size()));
   EXPECT_EQ(PG_E_INSTRUMENT_RECORD, fixture.Groups().Read(stream));
   EXPECT_TRUE(stream.fail());
-  std::vector<std::string> names;
-  (void)fixture.Groups().GetGroupNames(names);
-  EXPECT_EQ((std::vector<std::string>{"First", "Second", "UserGrp2"}), names);
+  EXPECT_EQ((std::vector<std::string>{"First", "Second", "UserGrp2"}),
+            Ask(fixture.Groups(), &CGroupManager::GetGroupNames));
   EXPECT_TRUE(fixture.Handler().events.empty()) << "nothing is announced";
 }
 

@@ -1,6 +1,6 @@
 #include "program/sequence_manager.h"
 
-#include "support/instrument_fixture.h"
+#include "support/ask.h"
 
 #include <gtest/gtest.h>
 
@@ -10,36 +10,31 @@ namespace {
 using MANAGER = CSequenceManager;
 
 SEQUENCE_LINE* Line(const CSequenceManager& sequence, int index) {
-  SEQUENCE_LINE* line = nullptr;
-  EXPECT_EQ(sequence.GetSequenceLine(index, &line), S_OK);  // also where there is none
-  return line;
+  return Find(sequence, &CSequenceManager::GetSequenceLine, index);
 }
 
 // Which operation raises the manager's own flag, apart from those of its lines.
 TEST(SequenceManager, RaisesItsOwnFlagOnlyWhereMeant) {
-  struct Row {
+  const struct {
     const char* what;
     Status (*change)(MANAGER&);
     Status status;
     int raised;
-  };
-  const Row rows[] = {{"add", [](MANAGER& m) { return m.AddSequenceLine("c"); }, S_OK, 0},
-                      {"insert", [](MANAGER& m) { return m.InsertSequenceLine(5, "c"); }, S_OK, 1},
-                      {"set", [](MANAGER& m) { return m.SetSequenceLine(0, Line(m, 1)); }, S_OK, 0},
-                      {"delete", [](MANAGER& m) { return m.DeleteSequenceLine(0, 1); }, S_OK, 1},
-                      {"delete all", [](MANAGER& m) { return m.DeleteAll(); }, S_OK, 0},
-                      {"move up", [](MANAGER& m) { return m.MoveUp(1); }, S_OK, 1},
-                      {"move down", [](MANAGER& m) { return m.MoveDown(1); }, E_FAIL, 0}};
-  for (const Row& row : rows) {
+  } rows[] = {{"add", [](MANAGER& m) { return m.AddSequenceLine("c"); }, S_OK, 0},
+              {"insert", [](MANAGER& m) { return m.InsertSequenceLine(5, "c"); }, S_OK, 1},
+              {"set", [](MANAGER& m) { return m.SetSequenceLine(0, Line(m, 1)); }, S_OK, 0},
+              {"delete", [](MANAGER& m) { return m.DeleteSequenceLine(0, 1); }, S_OK, 1},
+              {"delete all", [](MANAGER& m) { return m.DeleteAll(); }, S_OK, 0},
+              {"move up", [](MANAGER& m) { return m.MoveUp(1); }, S_OK, 1},
+              {"move down", [](MANAGER& m) { return m.MoveDown(1); }, E_FAIL, 0}};
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
     CSequenceManager sequence;
     (void)sequence.AddSequenceLine("a");
     (void)sequence.AddSequenceLine("b");
     (void)sequence.SetModified(0);
     EXPECT_EQ(row.change(sequence), row.status);
-    int count = 0;
-    (void)sequence.GetNoOfSequenceLines(count);
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < Ask(sequence, &CSequenceManager::GetNoOfSequenceLines); ++i) {
       if (SEQUENCE_LINE* line = Line(sequence, i)) (void)line->SetModified(0);
     }
     EXPECT_EQ(sequence.IsModified(), row.raised);

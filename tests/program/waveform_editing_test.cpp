@@ -1,14 +1,9 @@
 #include "base/enum_text.h"
 #include "base/text.h"
-#include "instrument/instrument.h"
-#include "program/block_manager.h"
-#include "program/group_manager.h"
 #include "program/waveform_manager.h"
-#include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace quillpg {
 namespace {
@@ -34,11 +29,7 @@ class WaveformEditing : public testing::Test, public CInstrumentFixture {
     (void)Instrument().SetInhibitByPodD(0, 0, 1);
     Handler().events.clear();
   }
-  CWaveformManager& Rows(int block = 0) {
-    BLOCK* found = nullptr;
-    (void)Blocks().GetBlock(block, &found);
-    return *found->GetWaveformManager();
-  }
+  CWaveformManager& Rows(int block = 0) { return *BlockAt(block).GetWaveformManager(); }
   std::string Show(int block = 0) {
     std::string text;
     for (int i = 0; const CWaveformData* row = Rows(block).Row(i); ++i) {
@@ -98,11 +89,8 @@ TEST_F(WaveformEditing, PastesWhatWasCutOnce) {
 
 // Equal row lists are stored once: no block may see what was done to another.
 TEST_F(WaveformEditing, ChangesTheRowsOfOneBlockOnly) {
-  CWaveformData* row = nullptr;
-  ASSERT_EQ(Rows(0).GetWaveformData(0, &row), S_OK);
-  row->flag = 77;
-  ASSERT_EQ(Rows(1).GetWaveformData(0, &row), S_OK);
-  EXPECT_EQ(row->flag, 1);
+  Find(Rows(0), &CWaveformManager::GetWaveformData, 0)->flag = 77;
+  EXPECT_EQ(Find(Rows(1), &CWaveformManager::GetWaveformData, 0)->flag, 1);
   EXPECT_EQ(Rows(0).DeleteWaveformData(0, 6), S_OK);
   EXPECT_EQ(Rows(0).SetGroupName("Bus", "Word"), S_OK);
   EXPECT_EQ(Show(0), "62 I");
@@ -126,14 +114,13 @@ TEST_F(WaveformEditing, FollowsGroupsWhenAskedAndInhibitControlsAtOnce) {
 
 TEST_F(WaveformEditing, AddsRowsByName) {
   (void)Instrument().SetChannelName(1, "Strobe");
-  struct ROW {
+  const struct {
     const char* name;
     int type;
     int first, count;  // rows deleted before
     Status status;
     const char* rows;
-  };
-  const ROW rows[] = {
+  } rows[] = {
       {" a0(1) ", 1, 2, 1, S_OK, "D 10 0 1 B 63 62 I"},   // after the last row of its group
       {"Strobe", 1, 0, 4, S_OK, "1 B 63 62 I"},           // where its group would begin
       {"B0(0)", 1, 0, 0, S_OK, "D 10 1 0 B 63 62 16 I"},  // in no group
@@ -142,7 +129,7 @@ TEST_F(WaveformEditing, AddsRowsByName) {
       {"Bus", 0, 4, 3, S_OK, "D 10 1 0 B I"},
       {"INHBB", 2, 0, 0, E_FAIL, "D 10 1 0 B 63 62 I"},
   };
-  for (const ROW& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(FormatText("%s %d %d %d", {row.name, row.type, row.first, row.count}));
     ASSERT_EQ(Rows().UpdateWaveformList(), S_OK);
     ASSERT_EQ(Rows().DeleteWaveformData(row.first, row.count), S_OK);
@@ -176,8 +163,7 @@ TEST_F(WaveformEditing, FindsRowsAfterEveryChange) {
   EXPECT_EQ(find("clock"), 2);
   (void)Rows().SetChannelName("", 0);
   EXPECT_EQ(find("A0(0)"), 2);
-  CWaveformData* row = nullptr;
-  ASSERT_EQ(Rows().GetWaveformData(1, &row), S_OK);
+  CWaveformData* row = Find(Rows(), &CWaveformManager::GetWaveformData, 1);
   EXPECT_EQ(find("A0(0)"), 2);
   row->channelName = "A0(0)";  // behind the manager's back; the first row counts
   EXPECT_EQ(find("A0(0)"), 1);
@@ -196,13 +182,12 @@ TEST_F(WaveformEditing, MarksInhibitedDigits) {
   Write("Mixed", 0, "25A");
   Write("Mixed", 1, "25A");
   (void)Instrument().SetChannelData(52, 0, 1, 1);
-  struct ROW {
+  const struct {
     int group, vector;
     Radix radix;
     Status status;
     const char* text;
-  };
-  const ROW rows[] = {
+  } rows[] = {
       {2, 0, Radix::Hex, S_OK, "25A"},     {2, 1, Radix::Hex, S_OK, "2ZZ"},
       {2, 1, Radix::Octal, S_OK, "1?ZZ"},  {2, 1, Radix::Binary, S_OK, "10ZZZZZZZZ"},
       {2, 1, Radix::Decimal, S_OK, "602"}, {0, 1, Radix::Hex, S_OK, "?"},  // a short digit
@@ -210,7 +195,7 @@ TEST_F(WaveformEditing, MarksInhibitedDigits) {
       {3, 1, Radix::Hex, E_FAIL, "kept"},  {-1, 1, Radix::Hex, E_FAIL, "kept"},
       {2, 64, Radix::Hex, S_OK, "000"},    {2, 0, static_cast<Radix>(4), E_FAIL, ""},
   };
-  for (const ROW& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(FormatText("%d %d %d", {row.group, row.vector, ToInt(row.radix)}));
     std::string text = "kept";
     EXPECT_EQ(Rows().GetGroupData(0, row.group, row.vector, row.radix, text), row.status);
@@ -233,9 +218,7 @@ TEST_F(WaveformEditing, TellsOfWritesWhateverBecameOfThem) {
   EXPECT_THAT(Handler().Take(), ElementsAre("OnPatternDataChanged(0)", "OnPatternDataChanged(7)"));
   EXPECT_EQ(Rows().SetChannelInhibitMask(0, 3, 2, 1), S_OK);  // pod A's control channel
   EXPECT_THAT(Handler().Take(), IsEmpty());                   // masks are set in silence
-  int bit = 0;
-  EXPECT_EQ(Instrument().GetChannelData(52, 0, 2, bit), S_OK);
-  EXPECT_EQ(bit, 1);
+  EXPECT_EQ(Bit(Instrument(), 52, 0, 2), 1);
 }
 
 }  // namespace

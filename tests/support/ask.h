@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <type_traits>
 
 namespace quillpg {
@@ -17,13 +18,46 @@ Value Ask(const Object& object, Status (Class::*query)(Value&) const) {
   return value;
 }
 
-/// The same of a query with one argument in front.
+/// The same of a query with arguments in front.
 template <typename Object, typename Class, typename Key, typename Value>
 Value Ask(const Object& object, Status (Class::*query)(Key, Value&) const,
           const std::type_identity_t<Key>& key) {
   Value value{};
   EXPECT_EQ((object.*query)(key, value), S_OK);
   return value;
+}
+
+/// The object that a query hands out; null where there is none, whatever the status.
+template <typename Object, typename Class, typename Found>
+Found* Find(Object& object, Status (Class::*query)(Found**)) {
+  Found* found = nullptr;
+  (void)(object.*query)(&found);
+  return found;
+}
+template <typename Object, typename Class, typename Found>
+Found* Find(const Object& object, Status (Class::*query)(Found**) const) {
+  Found* found = nullptr;
+  (void)(object.*query)(&found);
+  return found;
+}
+template <typename Object, typename Class, typename Found>
+Found* Find(const Object& object, Status (Class::*query)(int, Found**) const, int position) {
+  Found* found = nullptr;
+  (void)(object.*query)(position, &found);
+  return found;
+}
+template <typename Object, typename Class, typename Found>
+Found* Find(Object& object, Status (Class::*query)(int, Found**), int position) {
+  Found* found = nullptr;
+  (void)(object.*query)(position, &found);
+  return found;
+}
+template <typename Object, typename Class, typename Found>
+Found* Find(const Object& object, Status (Class::*query)(const std::string&, Found**) const,
+            const std::string& name) {
+  Found* found = nullptr;
+  (void)(object.*query)(name, &found);
+  return found;
 }
 
 }  // namespace quillpg

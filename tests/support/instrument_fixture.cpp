@@ -1,13 +1,5 @@
 #include "support/instrument_fixture.h"
 
-#include "hardware/module.h"
-#include "hardware/module_manager.h"
-#include "instrument/instrument.h"
-#include "instrument/instrument_manager.h"
-#include "program/block_manager.h"
-#include "program/program_view.h"
-#include "quillpg/app_server.h"
-
 namespace quillpg {
 
 CEngineFixture::CEngineFixture(int modules, bool option) {
@@ -27,17 +19,32 @@ CEngineFixture::~CEngineFixture() {
 }
 
 CInstrumentManager& CEngineFixture::Instruments() {
-  CInstrumentManager* manager = nullptr;
-  (void)m_server->GetInstrumentManager(&manager);
-  return *manager;
+  return *Find(*m_server, &CAppServer::GetInstrumentManager);
+}
+CInstrument* CEngineFixture::Instrument(int position) {
+  return Find(Instruments(), &CInstrumentManager::GetInstrumentAt, position);
+}
+CModuleManager& CEngineFixture::Modules() {
+  return *Find(*m_server, &CAppServer::GetModuleManager);
+}
+CModule& CEngineFixture::Module(int index) {
+  return *Find(Modules(), &CModuleManager::GetModuleAt, index);
 }
 
-CModule& CEngineFixture::Module(int index) {
-  CModuleManager* manager = nullptr;
-  (void)m_server->GetModuleManager(&manager);
-  CModule* module = nullptr;
-  (void)manager->GetModuleAt(index, &module);
-  return *module;
+void CEngineFixture::Play(CMemorySink& sink, std::int64_t limit, PlayEnd expected) {
+  Simulation().AddVectorSink(&sink);
+  EXPECT_EQ(m_server->Compile(), S_OK);
+  EXPECT_EQ(m_server->Download(), S_OK);
+  EXPECT_EQ(m_server->Run(), S_OK);
+  auto end = PlayEnd::Stepping;
+  EXPECT_EQ(Simulation().PlayUntilIdle(limit, end), S_OK);
+  EXPECT_EQ(end, expected);
+  Simulation().RemoveVectorSink(&sink);
+}
+
+int Bit(const CInstrument& instrument, int channel, int block, int vector) {
+  int bit = -1;
+  return instrument.GetChannelData(channel, block, vector, bit) == S_OK ? bit : -1;
 }
 
 CInstrumentFixture::CInstrumentFixture(int modules, bool option) : CEngineFixture(modules, option) {
@@ -55,15 +62,11 @@ CInstrumentFixture::CInstrumentFixture(int modules, bool option) : CEngineFixtur
 CInstrumentFixture::~CInstrumentFixture() { (void)Instruments().DeleteAll(); }
 
 CGroupManager& CInstrumentFixture::Groups() {
-  CGroupManager* groups = nullptr;
-  (void)m_instrument->GetGroupManager(&groups);
-  return *groups;
+  return *Find(*m_instrument, &CInstrument::GetGroupManager);
 }
 CBlockManager& CInstrumentFixture::Blocks() { return *CProgramView(*m_instrument).Blocks(); }
 BLOCK& CInstrumentFixture::BlockAt(int index) {
-  BLOCK* block = nullptr;
-  (void)Blocks().GetBlock(index, &block);
-  return *block;
+  return *Find(Blocks(), &CBlockManager::GetBlock, index);
 }
 CSequenceManager& CInstrumentFixture::Sequence() { return *CProgramView(*m_instrument).Sequence(); }
 CSubSequenceManager& CInstrumentFixture::SubSequences() {

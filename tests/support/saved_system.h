@@ -1,11 +1,7 @@
 #pragma once
 
 #include "base/text.h"
-#include "instrument/instrument_manager.h"
 #include "persistence/file_manager.h"
-#include "program/group_manager.h"
-#include "program/program_view.h"
-#include "quillpg/app_server.h"
 #include "support/instrument_fixture.h"
 #include "support/program_builder.h"
 #include "support/temporary_folder.h"
@@ -30,43 +26,25 @@ class CSavedSystem : public CEngineFixture {
   CTemporaryFolder& Folder() { return m_folder; }
   std::string File(const std::string& name = "system.pgs") const { return m_folder.File(name); }
 
-  CFileManager& Files() {
-    CFileManager* files = nullptr;
-    (void)Server().GetFileManager(&files);
-    return *files;
-  }
-  CInstrument* Instrument(int position) {
-    CInstrument* instrument = nullptr;
-    (void)Instruments().GetInstrumentAt(position, &instrument);
-    return instrument;
-  }
+  CFileManager& Files() { return *Find(Server(), &CAppServer::GetFileManager); }
   std::string Name(int position) {
-    std::string name;
-    (void)Instrument(position)->GetInstrumentName(name);
-    return name;
+    return Ask(*Instrument(position), &CInstrument::GetInstrumentName);
   }
-  std::string SystemFile() {
-    std::string name;
-    (void)Instruments().GetFileName(name);
-    return name;
-  }
+  std::string SystemFile() { return Ask(Instruments(), &CInstrumentManager::GetFileName); }
 
   /// "groups/blocks/lines/subsequences/events" of an instrument.
   std::string Counts(int position) {
     const CProgramView program(*Instrument(position));
-    CGroupManager* groups = nullptr;
-    int count = 0;
-    (void)Instrument(position)->GetGroupManager(&groups);
-    (void)groups->GetNoOfGroups(count);
-    return FormatText("%d/%d/%d/%d/%d", {count, program.BlockCount(), program.LineCount(),
-                                         program.SubSequenceCount(), program.EventCount()});
+    const auto& groups = *Find(*Instrument(position), &CInstrument::GetGroupManager);
+    return FormatText("%d/%d/%d/%d/%d",
+                      {Ask(groups, &CGroupManager::GetNoOfGroups), program.BlockCount(),
+                       program.LineCount(), program.SubSequenceCount(), program.EventCount()});
   }
   /// Channel 0, vectors 0 to 7 of the instrument's first block, which Fill makes its number.
   std::string Data(int position) {
     std::string bits;
     for (int vector = 0; vector < 8; ++vector) {
-      int bit = -1;
-      (void)Instrument(position)->GetChannelData(0, 0, vector, bit);
+      const int bit = Bit(*Instrument(position), 0, 0, vector);
       bits += bit < 0 ? '?' : static_cast<char>('0' + bit);
     }
     return bits;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace quillpg {
@@ -77,15 +78,14 @@ constexpr EventMode kLevel = EventMode::Level;
 constexpr EventMode kEdge = EventMode::Edge;
 
 TEST(Sequencer, PlaysLinesWaitsAndJumps) {
-  struct ROW {
+  const struct {
     const char* what;
     const char* sequence;  // output, repeat, wait-for, jump-if, jump-to, signal
     EventMode mode;
     const char* input;
     int vectors;
     const char* expected;
-  };
-  const ROW rows[] = {
+  } rows[] = {
       {"lines in order", "0,1,0,0,0,1,1,2,0,0,0,1", kLevel, "", 20, "abcdede IDL"},
       {"ends with the last vector", "0,1,0,0,0,1", kLevel, "", 3, "abc IDL"},
       {"negative repeat", "2,-7,0,0,0,1", kLevel, "", 20, "f IDL"},
@@ -116,7 +116,7 @@ TEST(Sequencer, PlaysLinesWaitsAndJumps) {
       {"no loop without time", "3,1,0,-1,1,1,-3,1,0,-1,0,1", kLevel, "", 20, " IDL"},
       {"time lets a loop go on", "3,1,0,0,0,1,2,1,0,-1,0,1", kLevel, "", 4, "ffff RUNN"},
   };
-  for (const ROW& row : rows) {
+  for (const auto& row : rows) {
     for (const int slice : {row.vectors, 1}) {  // vector by vector it must come to the same
       SCOPED_TRACE(row.what);
       CLetterPlayer player(row.sequence);
@@ -131,15 +131,14 @@ TEST(Sequencer, PlaysLinesWaitsAndJumps) {
 }
 
 TEST(Sequencer, HostCallsWhileItRuns) {
-  struct ROW {
+  const struct {
     const char* what;
     const char* sequence;
     const char* input;
     int before;  // vectors clocked before the call
     Status (CSorrelModule::*call)();
     const char* expected;
-  };
-  const ROW rows[] = {
+  } rows[] = {
       {"advance a wait", "2,1,7,0,0,1", "", 2, &CSorrelModule::Advance, "..f IDL"},
       {"advance an endless line", "0,0,0,0,0,1,2,1,0,0,0,1", "", 4, &CSorrelModule::Advance,
        "abcabcf IDL"},
@@ -154,7 +153,7 @@ TEST(Sequencer, HostCallsWhileItRuns) {
       {"idle: advance", "2,1,0,0,0,1", "", 2, &CSorrelModule::Advance, "f IDL"},
       {"initiate", "0,0,0,0,0,1", "", 2, &CSorrelModule::Initiate, "ab INIT"},
   };
-  for (const ROW& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
     CLetterPlayer player(row.sequence);
     player.SetSignalInput(row.input);
@@ -167,27 +166,21 @@ TEST(Sequencer, HostCallsWhileItRuns) {
 }
 
 TEST(Sequencer, RepeatsAreOneRun) {
-  struct ROW {
-    const char* sequence;
-    const char* input;
-    std::int64_t vectors;
-    int runs;
-  };
-  const ROW rows[] = {
+  const std::tuple<const char*, const char*, std::int64_t, int> rows[] = {
       {"0,65536,0,0,0,1", "", 196608, 1},
       {"0,65536,0,1,9,1", "0000000000", 196608, 1},  // nothing to jump for
       {"0,65536,0,1,9,1", "0000000001", 12, 2},      // repetitions before the event, the last one
   };
-  for (const ROW& row : rows) {
-    SCOPED_TRACE(row.sequence);
-    CLetterPlayer player(row.sequence);
-    player.SetSignalInput(row.input);
+  for (const auto& [sequence, input, vectors, runs] : rows) {
+    SCOPED_TRACE(sequence);
+    CLetterPlayer player(sequence);
+    player.SetSignalInput(input);
     player.Start();
     PlayEnd end = PlayEnd::Limit;
     player.hardware.Control().PlayUntilIdle(1000000, end);
     EXPECT_EQ(PlayEnd::Idle, end);
-    EXPECT_EQ(row.vectors, player.sink.CountedVectors());
-    EXPECT_EQ(row.runs, player.sink.CountedRuns());
+    EXPECT_EQ(vectors, player.sink.CountedVectors());
+    EXPECT_EQ(runs, player.sink.CountedRuns());
   }
 }
 

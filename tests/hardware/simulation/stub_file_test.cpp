@@ -6,7 +6,6 @@
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <sstream>
 
@@ -160,14 +159,13 @@ TEST(StubFile, BuiltInAnswersAreTheSettingsThatModulesStartWith) {
 }
 
 TEST(StubFile, UnreadableAnswersLeaveTheSettingAsItWas) {
-  struct ROW {
+  const struct {
     const char* reply;
     double mode;    // FULL is 1
     double period;  // 1e-4
-  };
-  const ROW rows[] = {{"HALF", 0, 0}, {" \"0\" ", 0, 0},  {"7", 1, 7},      {"-1", 1, -1},
-                      {"", 1, 1e-4},  {"words", 1, 1e-4}, {"nan", 1, 1e-4}, {"1e300", 1, 1e-4}};
-  for (const ROW& row : rows) {
+  } rows[] = {{"HALF", 0, 0}, {" \"0\" ", 0, 0},  {"7", 1, 7},      {"-1", 1, -1},
+              {"", 1, 1e-4},  {"words", 1, 1e-4}, {"nan", 1, 1e-4}, {"1e300", 1, 1e-4}};
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.reply);
     const std::string tail = std::string("<>") + row.reply + ">\n";
     CStubFile file;

@@ -6,7 +6,6 @@
 #include "support/simulated_program.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <random>
@@ -198,24 +197,6 @@ TEST(VirtualClock, APollMovesItWhenAskedTo) {
   }
   EXPECT_EQ("RUNNRUNNIDL", states);
   EXPECT_EQ(40, frame.sink.CountedVectors());
-}
-
-TEST(EventStimulus, TakesOnlyRisingVectorsAndNineLevelsElseTheOneBeforeStays) {
-  const std::vector<STIMULUS_LINE> refused[] = {
-      {{-1, "000000000"}}, {{5, "000000000"}, {5, "111111111"}},
-      {{5, "00000000"}},   {{5, "0000000000"}},
-      {{5, "00000000X"}},
-  };
-  CEventStimulus stimulus;
-  EVENT_TRUTH e0;  // true while E0, the last of the nine, is 1
-  for (std::size_t inputs = 256; inputs < 512; ++inputs) e0.set(inputs);
-  ASSERT_EQ(S_OK, stimulus.Set({{3, "000000001"}, {5, "100000001"}, {9, "111111110"}}));
-  for (const auto& lines : refused) EXPECT_EQ(E_FAIL, stimulus.Set(lines));
-  EXPECT_EQ(3, stimulus.FirstTrue(e0, 0));
-  EXPECT_EQ(8, stimulus.FirstTrue(e0, 8));
-  EXPECT_EQ(CEventStimulus::NEVER, stimulus.FirstTrue(e0, 9));
-  EXPECT_EQ(3, stimulus.FirstEdge(e0, 2));
-  EXPECT_EQ(CEventStimulus::NEVER, stimulus.FirstEdge(e0, 3));
 }
 
 }  // namespace
