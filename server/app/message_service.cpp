@@ -77,9 +77,11 @@ bool CMessageService::Ask(const std::string& text) {
 }
 
 Status CMessageService::GetText(int number, std::string& text) {
-  if (CHostServices::Get().LoadText(number, text)) return S_OK;
-  text = GetBuiltInText(number);
-  return text.empty() ? E_FAIL : S_OK;
+  return GuardAllocation([&] {
+    if (CHostServices::Get().LoadText(number, text)) return S_OK;
+    text = GetBuiltInText(number);
+    return text.empty() ? E_FAIL : S_OK;
+  });
 }
 
 std::string CMessageService::Text(int number) {

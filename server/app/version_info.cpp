@@ -2,6 +2,7 @@
 
 #include "app/message_catalogue.h"
 #include "app/message_service.h"
+#include "base/guard.h"
 #include "base/text.h"
 #include "quillpg/host_services.h"
 
@@ -86,53 +87,41 @@ void CVersionInfo::ReadFields(const VERSION_RESOURCE& resource) {
 }
 
 Status CVersionInfo::Initialize() {
-  m_companyName = GetVersionString(VersionString::CompanyName);
-  m_softwareVersion = GetVersionString(VersionString::ProductVersion);
-  m_productName = GetVersionString(VersionString::ProductName);
-  m_productVersion = GetVersionString(VersionString::ProductVersion);
-  m_copyright = GetVersionString(VersionString::LegalCopyright);
-  m_tradeMark = GetVersionString(VersionString::LegalTrademarks);
-  return S_OK;
+  return GuardAllocation([&] {
+    m_companyName = GetVersionString(VersionString::CompanyName);
+    m_softwareVersion = GetVersionString(VersionString::ProductVersion);
+    m_productName = GetVersionString(VersionString::ProductName);
+    m_productVersion = GetVersionString(VersionString::ProductVersion);
+    m_copyright = GetVersionString(VersionString::LegalCopyright);
+    m_tradeMark = GetVersionString(VersionString::LegalTrademarks);
+    return S_OK;
+  });
 }
 
 Status CVersionInfo::GetCompanyName(std::string& text) const {
-  text = m_companyName;
-  return S_OK;
+  return StoreText(text, m_companyName);
 }
 
 Status CVersionInfo::GetSoftwareVersion(std::string& text) const {
-  text = m_softwareVersion;
-  return S_OK;
+  return StoreText(text, m_softwareVersion);
 }
 
 Status CVersionInfo::GetProductName(std::string& text) const {
-  text = m_productName;
-  return S_OK;
+  return StoreText(text, m_productName);
 }
 
 Status CVersionInfo::GetProductVersion(std::string& text) const {
-  text = m_productVersion;
-  return S_OK;
+  return StoreText(text, m_productVersion);
 }
 
-Status CVersionInfo::GetCopyright(std::string& text) const {
-  text = m_copyright;
-  return S_OK;
-}
+Status CVersionInfo::GetCopyright(std::string& text) const { return StoreText(text, m_copyright); }
 
-Status CVersionInfo::GetTradeMark(std::string& text) const {
-  text = m_tradeMark;
-  return S_OK;
-}
+Status CVersionInfo::GetTradeMark(std::string& text) const { return StoreText(text, m_tradeMark); }
 
-Status CVersionInfo::GetBuildDate(std::string& text) const {
-  text = m_buildDate;
-  return S_OK;
-}
+Status CVersionInfo::GetBuildDate(std::string& text) const { return StoreText(text, m_buildDate); }
 
 Status CVersionInfo::GetBuildVersion(std::string& text) const {
-  text = PRODUCT_VERSION;
-  return S_OK;
+  return StoreText(text, PRODUCT_VERSION);
 }
 
 std::string CVersionInfo::CutVersion(const std::string& version) {

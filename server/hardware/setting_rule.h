@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/guard.h"
 #include "hardware/hardware_library.h"
 #include "quillpg/result_codes.h"
 
@@ -37,6 +38,15 @@ Status AskHardwarePresent();
 /// True when the library reports that the call before this one failed. Its text is dropped.
 bool ReportsError(CSorrelModule& module);
 
+/// Makes one call into the library; true when it neither reports an error nor throws.
+template <typename Call>
+bool Completes(CSorrelModule& module, const Call& call) {
+  return GuardAllocation([&] {
+           (void)call();  // GetLastError tells, not the status
+           return ReportsError(module) ? E_FAIL : S_OK;
+         }) == S_OK;
+}
+
 /// Converts between what the model stores and what the library takes; a setting whose units differ
 /// brings a type of its own with the same two operations.
 struct AsItIs {
@@ -70,11 +80,12 @@ SettingOutcome ApplySetting(CSorrelModule& module, SettingRule rule, Wire wire, 
                             Stored& held, const Send& send, const Receive& receive,
                             Place... place) {
   if (!IsSendable(wire)) return SettingOutcome::Refused;
-  (void)std::invoke(send, module, place..., wire);  // GetLastError tells, not the status
-  if (ReportsError(module)) return SettingOutcome::Refused;
+  const auto sent = [&] { return std::invoke(send, module, place..., wire); };
   Wire readBack = wire;
-  (void)std::invoke(receive, module, place..., readBack);
-  if (ReportsError(module) || !IsSendable(readBack)) return SettingOutcome::Refused;
+  const auto received = [&] { return std::invoke(receive, module, place..., readBack); };
+  if (!Completes(module, sent) || !Completes(module, received) || !IsSendable(readBack)) {
+    return SettingOutcome::Refused;
+  }
 
   if (AskHardwarePresent() != S_OK) {
     held = value;
@@ -127,8 +138,8 @@ template <typename Wire, typename Conversion = AsItIs, typename Stored, typename
           typename... Place>
 bool ReadSetting(CSorrelModule& module, Stored& held, const Receive& receive, Place... place) {
   Wire wire = Conversion::template ToWire<Wire>(held);
-  (void)std::invoke(receive, module, place..., wire);
-  if (ReportsError(module) || !IsSendable(wire)) return false;
+  const auto received = [&] { return std::invoke(receive, module, place..., wire); };
+  if (!Completes(module, received) || !IsSendable(wire)) return false;
   held = Conversion::template ToStored<Stored>(wire);
   return true;
 }

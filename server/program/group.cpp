@@ -16,7 +16,7 @@ GROUP::~GROUP() = default;
 
 GROUP& GROUP::operator=(const GROUP& other) {
   if (this == &other) return *this;
-  m_name = other.m_name;
+  (void)StoreText(m_name, other.m_name);  // out of memory: the old name stays
   m_revision.Touch();
   (void)DeleteAll();  // the channels go, the channel-names text stays: deliberate
   return *this;
