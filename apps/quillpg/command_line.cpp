@@ -1,15 +1,17 @@
 #include "command_line.h"
 
+#include "base/text.h"
 #include "exit_status.h"
 #include "quillpg/limits.h"
 
 #include <CLI/CLI.hpp>
 
-#include <charconv>
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <iostream>
 #include <limits>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -35,9 +37,7 @@ void AddInput(CLI::App& app, INPUT_OPTIONS& input) {
 CLI::Validator Positive(std::int64_t most) {
   const auto check = [most](const std::string& text) {
     std::int64_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, fault] = std::from_chars(text.data(), end, number);
-    const bool good = fault == std::errc() && stop == end && number >= 1 && number <= most;
+    const bool good = ParseNumber(text, number) && number >= 1 && number <= most;
     return good ? std::string() : text + " is no whole number from 1 to " + std::to_string(most);
   };
   return {check, "", ""};
@@ -81,19 +81,12 @@ const std::pair<const char*, TestDataType> kTestPrograms[] = {
     {"max-sequence-lines", TestDataType::MaxSequenceLines},
 };
 
-/// "0-1" or "0".
-std::string ParseModules(const std::string& text, MERGE_OPTIONS& merge) {
-  const char* const end = text.data() + text.size();
-  auto [stop, fault] = std::from_chars(text.data(), end, merge.first);
-  merge.last = merge.first;
-  if (fault == std::errc() && stop != end && *stop == '-') {
-    const auto second = std::from_chars(stop + 1, end, merge.last);
-    stop = second.ptr;
-    fault = second.ec;
-  }
-  const bool good =
-      fault == std::errc() && stop == end && merge.first >= 0 && merge.last > merge.first;
-  return good ? std::string() : text + " is no range of modules such as 0-1";
+/// "0-1".
+std::string ParseModules(std::string_view text, MERGE_OPTIONS& merge) {
+  const std::size_t dash = std::min(text.find('-'), text.size());
+  const bool good = ParseNumber(text.substr(0, dash), merge.first) && dash < text.size() &&
+                    ParseNumber(text.substr(dash + 1), merge.last) && merge.last > merge.first;
+  return good ? std::string() : std::string(text) + " is no range of modules such as 0-1";
 }
 
 /// Every command, with the options that it fills.

@@ -4,7 +4,6 @@
 #include "input_text.h"
 #include "quillpg/limits.h"
 
-#include <charconv>
 #include <string_view>
 
 namespace quillpg::tool {
@@ -14,10 +13,7 @@ namespace {
 const char* ParseLine(std::string_view line, STIMULUS_LINE& result) {
   const std::size_t tab = line.find('\t');
   if (tab == std::string_view::npos) return "no tab between vector and levels";
-  const std::string_view number = line.substr(0, tab);
-  const auto [end, fault] =
-      std::from_chars(number.data(), number.data() + number.size(), result.vector);
-  if (fault != std::errc() || end != number.data() + number.size() || result.vector < 0) {
+  if (!ParseNumber(line.substr(0, tab), result.vector) || result.vector < 0) {
     return "the vector is not a number from 0 on";
   }
   result.levels = line.substr(tab + 1);

@@ -6,10 +6,8 @@
 #include "base/text.h"
 #include "quillpg/host_services.h"
 
-#include <charconv>
 #include <cstddef>
 #include <string_view>
-#include <system_error>
 
 namespace quillpg {
 
@@ -28,13 +26,6 @@ std::vector<std::string> Split(std::string_view text, char separator) {
     at = end == std::string_view::npos ? end : end + 1;
   }
   return parts;
-}
-
-// False unless the whole part is a decimal number of at most 32 bits.
-bool ParsePart(std::string_view part, std::uint32_t& number) {
-  const char* end = part.data() + part.size();
-  const auto result = std::from_chars(part.data(), end, number);
-  return result.ec == std::errc() && result.ptr == end;
 }
 
 constexpr std::uint32_t HighHalf(std::uint32_t word) { return word >> 16; }
@@ -164,7 +155,7 @@ int CVersionInfo::ConvertStringToNumericVersionNo(const char* text, unsigned lon
     const std::size_t end = rest.find(m_separator);
     const bool last = i + 1 == numbers.size();
     if ((end == std::string_view::npos) != last) return 0;
-    if (!ParsePart(rest.substr(0, end), numbers[i])) return 0;
+    if (!ParseNumber(rest.substr(0, end), numbers[i])) return 0;
     if (!last) rest.remove_prefix(end + 1);
   }
   high = JoinHalves(numbers[0], numbers[1]);

@@ -8,9 +8,6 @@ namespace quillpg {
 
 namespace {
 
-// Blank, tab, LF, VT, FF and CR.
-constexpr bool IsWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
 // Length of a conversion's letters at the start of `text` ("d", "ld", "hd", "s", "c"), 0 for none.
 std::size_t ConversionLength(std::string_view text) {
   constexpr std::array<std::string_view, 5> kConversions = {"d", "s", "c", "ld", "hd"};
@@ -36,11 +33,6 @@ std::string_view Trim(std::string_view text) {
   while (!text.empty() && IsWhiteSpace(text.front())) text.remove_prefix(1);
   while (!text.empty() && IsWhiteSpace(text.back())) text.remove_suffix(1);
   return text;
-}
-
-void TrimInPlace(std::string& text) {
-  const std::string_view kept = Trim(text);
-  if (kept.size() != text.size()) text = std::string(kept);
 }
 
 std::string FoldCase(std::string_view text) {

@@ -7,7 +7,6 @@
 #include "exchange/vcd_text.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -157,9 +156,7 @@ Status CVcdParser::ParseKeyword(std::string_view word) {
 
 Status CVcdParser::ParseStamp(std::string_view digits) {
   std::int64_t time = 0;
-  const char* end = digits.data() + digits.size();
-  const auto result = std::from_chars(digits.data(), end, time);
-  if (result.ec != std::errc() || result.ptr != end || time < 0) {
+  if (!ParseNumber(digits, time) || time < 0) {
     return Fail("no time that fits into 63 bits: " + QuoteVcdWord(digits));
   }
   if (time < m_time) return Fail("time runs back to " + QuoteVcdWord(digits));

@@ -1,13 +1,10 @@
 #include "exchange/vcd_scanner.h"
 
+#include "base/text.h"
+
 #include <algorithm>
 
 namespace quillpg {
-namespace {
-
-bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-}  // namespace
 
 CVcdScanner::CVcdScanner(std::istream& stream)
     : m_stream(stream), m_buffer(std::make_unique<char[]>(kBufferSize)) {
@@ -17,7 +14,7 @@ CVcdScanner::CVcdScanner(std::istream& stream)
 std::string_view CVcdScanner::Next() {
   const char* word = m_next;
   for (;;) {
-    while (word != m_end && IsBlank(*word)) m_line += *word++ == '\n' ? 1 : 0;
+    while (word != m_end && IsWhiteSpace(*word)) m_line += *word++ == '\n' ? 1 : 0;
     if (word != m_end) break;
     if (!Refill(word)) {
       m_next = m_end;
@@ -26,7 +23,7 @@ std::string_view CVcdScanner::Next() {
   }
   std::size_t length = 0;
   for (;;) {
-    const char* last = std::find_if(word + length, m_end, IsBlank);
+    const char* last = std::find_if(word + length, m_end, IsWhiteSpace);
     length = static_cast<std::size_t>(last - word);
     if (last != m_end || length > MAX_WORD || !Refill(word)) break;
   }

@@ -3,9 +3,6 @@
 #include "base/text.h"
 #include "quillpg/limits.h"
 
-#include <charconv>
-#include <string>
-
 // How settings of a module travel to the hardware library.
 
 namespace quillpg {
@@ -19,9 +16,8 @@ constexpr char PodLetter(int pod) {
 struct AsNanoseconds {
   template <typename Stored>
   static Stored ToStored(double seconds) {
-    const std::string text = FixedDecimal(seconds * 1e9, 3);
     Stored rounded = 0;
-    (void)std::from_chars(text.data(), text.data() + text.size(), rounded);
+    (void)ParseNumber(FixedDecimal(seconds * 1e9, 3), rounded);
     return rounded;
   }
   template <typename Wire>

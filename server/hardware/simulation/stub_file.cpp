@@ -6,7 +6,6 @@
 #include "quillpg/host_services.h"
 
 #include <algorithm>
-#include <charconv>
 #include <fstream>
 #include <istream>
 #include <streambuf>
@@ -43,10 +42,7 @@ std::string_view TakeWord(std::string_view& text) {
 
 bool TakeNumber(std::string_view& text, int& number) {
   const std::string_view word = TakeWord(text);
-  const char* const end = word.data() + word.size();
-  if (word.empty() || !IsDigit(word.front())) return false;
-  const auto [stop, error] = std::from_chars(word.data(), end, number);
-  return error == std::errc() && stop == end;
+  return !word.empty() && IsDigit(word.front()) && ParseNumber(word, number);
 }
 
 // Takes the next line without its end; false when there is no further line end.

@@ -4,13 +4,11 @@
 #include "hardware/simulation/simulated_mainframe.h"
 #include "hardware/simulation/stub_file.h"
 
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 
 namespace quillpg {
 namespace {
@@ -75,10 +73,8 @@ constexpr WORD kWords[] = {
 
 std::optional<double> ReadNumber(std::string_view text) {
   double number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  const bool read = error == std::errc() && stop == end &&
-                    std::fabs(number) <= double{std::numeric_limits<float>::max()};
+  const bool read =
+      ParseNumber(text, number) && std::fabs(number) <= double{std::numeric_limits<float>::max()};
   return read ? std::optional(number) : std::nullopt;
 }
 
