@@ -1,6 +1,7 @@
 #include "base/text.h"
 #include "compiler/compiler.h"
 #include "instrument/instrument.h"
+#include "instrument/mode_limits.h"
 #include "program/block.h"
 #include "program/event.h"
 #include "program/keywords.h"
@@ -108,17 +109,12 @@ Status CCompiler::CheckBlockSize() const {
   if (!instrument || instrument->GetChannelMode(mode) != S_OK ||
       instrument->GetMemoryDepth(depth) != S_OK)
     return E_FAIL;
-  const int granularity = mode == ChannelMode::Half ? 8 : 4;
-  std::int64_t sum = 0;
-  int padding = 0;  // deliberately kept from block to block: an aligned block adds the last one
+  CBlockMemory memory(LimitsOf(mode).blockGranularity);
   for (int i = 0; i < m_work.Program().BlockCount(); ++i) {
     const BLOCK* block = m_work.Program().BlockAt(i);
-    if (!block) continue;
-    const int remainder = block->GetBlockSize() % granularity;
-    if (remainder > 0) padding = granularity - remainder;
-    sum += std::int64_t{block->GetBlockSize()} + padding;
+    if (block) memory.Add(block->GetBlockSize());
   }
-  return sum > depth ? PG_E_LIMIT : S_OK;
+  return memory.Vectors() > depth ? PG_E_LIMIT : S_OK;
 }
 
 // --- sequence ------------------------------------------------------------------------------------

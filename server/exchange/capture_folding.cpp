@@ -4,6 +4,7 @@
 #include "exchange/capture_runs.h"
 #include "exchange/piece_cutter.h"
 #include "exchange/piece_joiner.h"
+#include "instrument/mode_limits.h"
 #include "quillpg/limits.h"
 
 #include <algorithm>
@@ -33,17 +34,6 @@ void SortForMemory(FOLDED_PROGRAM& program, int granularity) {
   }
 }
 
-std::int64_t CountMemory(const FOLDED_PROGRAM& program, int granularity) {
-  std::int64_t memory = 0;
-  std::int64_t padding = 0;  // goes on from block to block
-  for (const FOLDED_PROGRAM::BLOCK_SOURCE& block : program.blocks) {
-    const std::int64_t rest = block.size % granularity;
-    if (rest > 0) padding = granularity - rest;
-    memory += block.size + padding;
-  }
-  return memory;
-}
-
 }  // namespace
 
 Status CCaptureFolding::Fold(const CAPTURE& capture, const SAMPLE_GRID& grid,
@@ -58,7 +48,9 @@ Status CCaptureFolding::Fold(const CAPTURE& capture, const SAMPLE_GRID& grid,
         FOLDED_PROGRAM folded;
         joiner.GiveProgram(folded);
         SortForMemory(folded, m_granularity);
-        folded.memory = CountMemory(folded, m_granularity);
+        CBlockMemory memory(m_granularity);
+        for (const FOLDED_PROGRAM::BLOCK_SOURCE& block : folded.blocks) memory.Add(block.size);
+        folded.memory = memory.Vectors();
         program = std::move(folded);
         return S_OK;
       },

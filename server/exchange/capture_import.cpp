@@ -20,7 +20,7 @@ namespace {
 constexpr ChannelMode kModes[] = {ChannelMode::Full, ChannelMode::Half};
 
 int ModulesFor(int channels, ChannelMode mode) {
-  const int each = LimitsOf(mode).channelsPerModule;
+  const int each = LimitsOf(mode).ChannelsPerModule();
   return (channels + each - 1) / each;
 }
 
@@ -36,9 +36,6 @@ struct MODE_NEED {
   FOLDED_PROGRAM program;
   std::string refusal;  // why it is not playable
 };
-
-// The compiler rounds block sizes up to this many vectors.
-int GranularityOf(ChannelMode mode) { return mode == ChannelMode::Full ? 4 : 8; }
 
 std::string CountText(std::int64_t count, const char* what) {
   std::string text;
@@ -60,7 +57,7 @@ MODE_NEED NeedOf(const CAPTURE& capture, const SAMPLE_GRID& grid, ChannelMode mo
   } else if (!CanClock(grid.period, mode)) {
     need.refusal = "a period of " + FormatPeriod(grid.period) + ", which it cannot clock";
   } else {
-    const CCaptureFolding folding(LimitsOf(mode).minBlockSize, GranularityOf(mode));
+    const CCaptureFolding folding(LimitsOf(mode).minBlockSize, LimitsOf(mode).blockGranularity);
     const Status status = folding.Fold(capture, grid, need.program);
     if (status == PG_E_LIMIT) {
       need.refusal = CountText(MAX_SEQUENCE_LINES, " sequence lines do not suffice");

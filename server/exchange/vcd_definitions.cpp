@@ -3,6 +3,8 @@
 #include "base/text.h"
 #include "exchange/vcd_reader.h"
 #include "exchange/vcd_text.h"
+#include "instrument/mode_limits.h"
+#include "quillpg/limits.h"
 
 #include <algorithm>
 #include <charconv>
@@ -15,7 +17,6 @@ namespace {
 constexpr std::string_view kSkippedTypes[] = {"real", "realtime", "string", "event"};
 // Far beyond any instrument, far below where sums overflow.
 constexpr std::int64_t kBitsCeiling = std::int64_t{1} << 60;
-constexpr int kModuleBits = 64;
 
 bool ParseInteger(std::string_view text, std::int64_t& value) {
   const char* end = text.data() + text.size();
@@ -180,6 +181,7 @@ Status CVcdDefinitions::ReadTimescale(CVcdScanner& scanner, CAPTURE& capture) {
   return Fail("unknown timescale " + QuoteVcdWord(text));
 }
 
+    constexpr int kModuleBits = FULL_LIMITS.ChannelsPerModule();
 // Looks for "... at 24 MHz": where stamps are rounded, the rate stands nowhere else.
 Status CVcdDefinitions::ReadComment(CVcdScanner& scanner, CAPTURE& capture) {
   std::string before;
@@ -205,7 +207,11 @@ Status CVcdDefinitions::CheckWidth(CAPTURE& capture) {
     AppendNumber(text, m_bits);
     text += " channels, ";
     AppendNumber(text, (m_bits + kModuleBits - 1) / kModuleBits);
-    text += " modules; an instrument has at most five modules with 320 channels";
+    text += " modules; an instrument has at most ";
+    AppendNumber(text, MAX_INSTRUMENT_MODULES);
+    text += " modules with ";
+    AppendNumber(text, CVcdReader::MAX_BITS);
+    text += " channels";
     return Fail(text, PG_E_LIMIT);
   }
   if (m_bits == 0) return Fail("the file declares no signal that can be played");

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "exchange/capture.h"
+#include "instrument/mode_limits.h"
 #include "quillpg/api.h"
+#include "quillpg/limits.h"
 #include "quillpg/result_codes.h"
 
 #include <cstdint>
@@ -26,8 +28,8 @@ class QUILLPG_API CVcdReader {
   /// Called now and then with the percentage read (0 when the length is unknown); false aborts.
   using Progress = std::function<bool(int percent)>;
 
-  /// Widest capture that is taken: five merged modules of 64 channels.
-  static constexpr int MAX_BITS = 320;
+  /// Widest capture that is taken: all modules merged into one instrument.
+  static constexpr int MAX_BITS = MAX_INSTRUMENT_MODULES * FULL_LIMITS.ChannelsPerModule();
 
   void SetProgress(Progress progress) { m_progress = std::move(progress); }
 

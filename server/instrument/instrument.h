@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/modified_flag.h"
+#include "instrument/mode_limits.h"
 #include "quillpg/api.h"
 #include "quillpg/engine_types.h"
 #include "quillpg/limits.h"
@@ -327,9 +328,8 @@ class QUILLPG_API CInstrument {
   void ReadSettings(CSetupFileReader& reader);
   CModule* ModuleAt(int position) const;
   CSorrelModule* HardwareAt(int position) const;
-  bool IsFull() const { return m_settings.channelMode == ChannelMode::Full; }
-  int ChannelsPerPod() const { return IsFull() ? 16 : 8; }
-  int ChannelsPerModule() const { return NUM_PODS * ChannelsPerPod(); }
+  int ChannelsPerPod() const { return LimitsOf(m_settings.channelMode).channelsPerPod; }
+  int ChannelsPerModule() const { return LimitsOf(m_settings.channelMode).ChannelsPerModule(); }
   int MaxChannels() const { return ChannelsPerModule() * static_cast<int>(m_modules.size()); }
   bool HoldsChannel(int channel) const { return channel >= 0 && channel < MaxChannels(); }
 

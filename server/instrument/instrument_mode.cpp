@@ -1,6 +1,7 @@
 #include "base/guard.h"
 #include "hardware/setting_rule.h"
 #include "instrument/instrument.h"
+#include "instrument/mode_limits.h"
 #include "program/block_manager.h"
 #include "program/group_manager.h"
 #include "program/waveform_manager.h"
@@ -49,7 +50,7 @@ Status CInstrument::GetChannelMode(ChannelMode& mode) const {
 // A block that runs out of memory is left without data, but never with the old width; the walk goes
 // on and the first failure is the answer.
 Status CInstrument::RelayProgram(ChannelMode oldMode) {
-  const int oldPodChannels = oldMode == ChannelMode::Full ? 16 : 8;
+  const int oldPodChannels = LimitsOf(oldMode).channelsPerPod;
   CAppServer* server = nullptr;
   (void)CAppServer::GetServer(&server);
   char fill = '0';

@@ -401,7 +401,7 @@ Status CMergeManager::GetMaxClockSpeed(int instrument, int& megahertz) const {
 Status CMergeManager::GetMaxChannelsPerModule(int instrument, int& channels) const {
   if (!m_instrumentInfo.At(instrument)) return Answer(channels, -1);
   return GuardAllocation([&] {
-    channels = FULL_LIMITS.channelsPerModule;
+    channels = FULL_LIMITS.ChannelsPerModule();
     const CInstrument* live = LiveWith(ModulesOf(instrument));
     return live ? live->GetMaxChannelsPerModule(channels) : S_OK;
   });

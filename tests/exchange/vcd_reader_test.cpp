@@ -69,7 +69,7 @@ TEST(VcdReader, RefusesWithFileAndLine) {
       {"$var wire 99999999999999999999 ! D $end",
        "x.vcd:1: a variable is '99999999999999999999' bits wide"},
       {"$var wire 320 ! D $end $var wire 1 # E $end\n$enddefinitions $end",
-       "x.vcd:2: the signals need 321 channels, 6 modules; an instrument has at most five modules "
+       "x.vcd:2: the signals need 321 channels, 6 modules; an instrument has at most 5 modules "
        "with 320 channels",
        PG_E_LIMIT},
       {"$var real 64 ! V $end\n$enddefinitions $end r1.5 !",
