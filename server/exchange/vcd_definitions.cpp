@@ -7,8 +7,6 @@
 #include "quillpg/limits.h"
 
 #include <algorithm>
-#include <charconv>
-#include <system_error>
 #include <utility>
 
 namespace quillpg {
@@ -18,34 +16,13 @@ constexpr std::string_view kSkippedTypes[] = {"real", "realtime", "string", "eve
 // Far beyond any instrument, far below where sums overflow.
 constexpr std::int64_t kBitsCeiling = std::int64_t{1} << 60;
 
-bool ParseInteger(std::string_view text, std::int64_t& value) {
-  const char* end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, value);
-  return result.ec == std::errc() && result.ptr == end;
-}
-
-// "[7:0]" or "[3]": true when `text` is a range; `width` is the number of bits it spans.
-bool ParseRange(std::string_view text, std::int64_t& width) {
-  if (text.size() < 3 || text.front() != '[' || text.back() != ']') return false;
-  text = text.substr(1, text.size() - 2);
-  const std::size_t colon = text.find(':');
-  std::int64_t first = 0;
-  if (!ParseInteger(text.substr(0, colon), first)) return false;
-  std::int64_t last = first;
-  if (colon != std::string_view::npos && !ParseInteger(text.substr(colon + 1), last)) return false;
-  constexpr std::int64_t kLargest = 1 << 30;
-  if (std::max(first, last) > kLargest || std::min(first, last) < -kLargest) return false;
-  width = std::max(first, last) - std::min(first, last) + 1;
-  return true;
-}
-
 // Takes the range off the name of a vector; a single bit's index belongs to its name.
 void SplitName(const std::vector<std::string>& words, CAPTURE_SIGNAL& signal) {
   std::string range;
-  std::int64_t spanned = 0;
+  VCD_RANGE spanned;
   for (const std::string& word : words) {
     const bool isLast = &word == &words.back();
-    if (isLast && ParseRange(word, spanned)) {
+    if (isLast && ParseVcdRange(word, spanned)) {
       range = word;
     } else {
       signal.name += (signal.name.empty() ? "" : " ") + word;
@@ -54,14 +31,14 @@ void SplitName(const std::vector<std::string>& words, CAPTURE_SIGNAL& signal) {
   if (range.empty() && signal.width > 1) {
     const std::size_t bracket = signal.name.rfind('[');
     if (bracket != std::string::npos && bracket > 0 &&
-        ParseRange(std::string_view(signal.name).substr(bracket), spanned)) {
+        ParseVcdRange(std::string_view(signal.name).substr(bracket), spanned)) {
       range = signal.name.substr(bracket);
       signal.name.resize(bracket);
     }
   }
   if (signal.width == 1) {
     signal.name += range;
-  } else if (spanned == signal.width) {
+  } else if (!range.empty() && spanned.Width() == signal.width) {
     signal.range = range;
   }
 }
@@ -111,7 +88,7 @@ Status CVcdDefinitions::ReadVariable(CVcdScanner& scanner, CAPTURE& capture) {
     if (word == "$end") break;
     words.emplace_back(word);
   }
-  if (!isSkipped && (!ParseInteger(size, width) || width < 1)) {
+  if (!isSkipped && (!ParseNumber(size, width) || width < 1)) {
     return Fail("a variable is " + QuoteVcdWord(size) + " bits wide");
   }
   CAPTURE_SIGNAL signal;
@@ -181,7 +158,6 @@ Status CVcdDefinitions::ReadTimescale(CVcdScanner& scanner, CAPTURE& capture) {
   return Fail("unknown timescale " + QuoteVcdWord(text));
 }
 
-    constexpr int kModuleBits = FULL_LIMITS.ChannelsPerModule();
 // Looks for "... at 24 MHz": where stamps are rounded, the rate stands nowhere else.
 Status CVcdDefinitions::ReadComment(CVcdScanner& scanner, CAPTURE& capture) {
   std::string before;
@@ -206,6 +182,7 @@ Status CVcdDefinitions::CheckWidth(CAPTURE& capture) {
     std::string text = "the signals need ";
     AppendNumber(text, m_bits);
     text += " channels, ";
+    constexpr int kModuleBits = FULL_LIMITS.ChannelsPerModule();
     AppendNumber(text, (m_bits + kModuleBits - 1) / kModuleBits);
     text += " modules; an instrument has at most ";
     AppendNumber(text, MAX_INSTRUMENT_MODULES);

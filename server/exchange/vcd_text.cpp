@@ -1,5 +1,8 @@
 #include "exchange/vcd_text.h"
 
+#include "base/text.h"
+
+#include <algorithm>
 #include <cstddef>
 
 namespace quillpg {
@@ -16,6 +19,24 @@ std::string QuoteVcdWord(std::string_view word) {
   std::string text = "'";
   for (const char c : word.substr(0, kReadable)) text += c >= ' ' && c <= '~' ? c : '?';
   return text + (word.size() > kReadable ? "...'" : "'");
+}
+
+bool ParseVcdRange(std::string_view text, VCD_RANGE& range) {
+  constexpr std::int64_t kLargest = 1 << 30;
+  if (text.size() < 3 || text.front() != '[' || text.back() != ']') return false;
+  text = text.substr(1, text.size() - 2);
+  const std::size_t colon = text.find(':');
+  VCD_RANGE read;
+  if (!ParseNumber(text.substr(0, colon), read.first)) return false;
+  read.last = read.first;
+  if (colon != std::string_view::npos && !ParseNumber(text.substr(colon + 1), read.last)) {
+    return false;
+  }
+  if (std::max(read.first, read.last) > kLargest || std::min(read.first, read.last) < -kLargest) {
+    return false;
+  }
+  range = read;
+  return true;
 }
 
 std::string VcdIdentifier(int index) {

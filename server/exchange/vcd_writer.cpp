@@ -59,41 +59,21 @@ struct PART {
   std::vector<int> channels;
 };
 
-// "[7:0]" -> 7 and a step of -1, so that the channels of the signal count down from 7.
-void ParseRange(const std::string& range, int width, int& first, int& step) {
-  first = width - 1;
-  step = -1;
-  int values[2] = {0, 0};
-  std::size_t which = 0;
-  bool any = false;
-  for (const char c : range) {
-    if (c == ':') {
-      which = 1;
-    } else if (c >= '0' && c <= '9' && values[which] < 100000) {
-      values[which] = values[which] * 10 + (c - '0');
-      any = true;
-    }
-  }
-  if (!any || which == 0 || std::abs(values[0] - values[1]) != width - 1) return;
-  first = values[0];
-  step = values[0] > values[1] ? -1 : 1;
-}
-
 std::vector<PART> SplitIntoParts(const VCD_SIGNAL& signal, bool bits) {
   const int width = static_cast<int>(signal.channels.size());
   if (width == 0) return {};
   if (width == 1) return {{signal.name + signal.range, {}, signal.channels}};
-  int index = 0;
-  int step = 0;
-  ParseRange(signal.range, width, index, step);
+  VCD_RANGE range;
+  if (!ParseVcdRange(signal.range, range) || range.Width() != width) range = {width - 1, 0};
   if (!bits) {
-    const std::string made = FormatText("[%d:%d]", {index, index + step * (width - 1)});
+    const std::string made = FormatText("[%d:%d]", {range.first, range.last});
     return {{signal.name, signal.range.empty() ? made : signal.range, signal.channels}};
   }
+  const int step = range.first < range.last ? 1 : -1;
   std::vector<PART> parts;
   for (const int channel : signal.channels) {
-    parts.push_back({signal.name + FormatText("[%d]", {index}), std::string(), {channel}});
-    index += step;
+    parts.push_back({signal.name + FormatText("[%d]", {range.first}), std::string(), {channel}});
+    range.first += step;
   }
   return parts;
 }

@@ -65,7 +65,7 @@ TEST(VcdWriter, WritesEveryValueAtTheStartThenChangesThenTheEnd) {
 }
 
 TEST(VcdWriter, WritesScalarsReleasedPinsAndAnnotationsWhereAskedFor) {
-  const auto two = MakeInstrument({{"D", "[8:9]", {1, 0}}, {"E", "", {2, 3}}});
+  const auto two = MakeInstrument({{"D", "[-1:0]", {1, 0}}, {"E", "", {2, 3}}});
   const auto mixed = MakeInstrument({{"A", "", {0}}, {"B", "", {2, 1}}});
   const struct {
     const char* what;
@@ -77,7 +77,7 @@ TEST(VcdWriter, WritesScalarsReleasedPinsAndAnnotationsWhereAskedFor) {
             [](CVectorSink& sink) {
               Play(sink, {0x6, 0xD});
             }),
-       "$var wire 1 ! D[8] $end\n$var wire 1 \" D[9] $end\n$var wire 1 # E[1] $end\n"
+       "$var wire 1 ! D[-1] $end\n$var wire 1 \" D[0] $end\n$var wire 1 # E[1] $end\n"
        "$var wire 1 $ E[0] $end\n$upscope $end\n$enddefinitions $end\n"
        "#0\n1!\n0\"\n1#\n0$\n#1\n1\"\n0!\n1$\n#2\n"},
       {"released pins come back to their levels",
