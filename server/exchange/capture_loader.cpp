@@ -39,6 +39,7 @@ Status CCaptureLoader::Load(CAppServer& server, const Progress& progress,
   status = MakeInstrument(server, *instruments, &loaded);
   if (Failed(status)) return status;
   status = ApplySettings(*loaded);
+  if (!Failed(status)) status = ClearProgram(*loaded);
   if (!Failed(status)) status = MakeGroups(*loaded);
   if (!Failed(status)) status = MakeBlocks(*loaded, progress);
   if (!Failed(status)) status = MakeSequence(*loaded);
@@ -88,17 +89,35 @@ Status CCaptureLoader::ApplySettings(CInstrument& instrument) {
              : S_OK;
 }
 
+// Blocks go before groups come: each block would follow every single group.
+Status CCaptureLoader::ClearProgram(CInstrument& instrument) {
+  CSequenceManager* sequence = nullptr;
+  CBlockManager* blocks = nullptr;
+  CGroupManager* groups = nullptr;
+  Status status = instrument.GetSequenceManager(&sequence);
+  if (!Failed(status)) status = sequence->DeleteAll();
+  if (!Failed(status)) status = instrument.GetBlockManager(&blocks);
+  if (!Failed(status)) status = blocks->DeleteAll();
+  if (!Failed(status)) status = instrument.GetGroupManager(&groups);
+  if (!Failed(status)) status = groups->DeleteAll();
+  return Failed(status) ? Fail("the default program cannot be deleted") : S_OK;
+}
+
 Status CCaptureLoader::MakeGroups(CInstrument& instrument) {
   CGroupManager* groups = nullptr;
   Status status = instrument.GetGroupManager(&groups);
-  if (!Failed(status)) status = groups->DeleteAll();
-  const std::vector<std::string> names = GroupNamesOf(m_capture.signals);
-  for (std::size_t i = 0; i < names.size() && !Failed(status); ++i) {
-    const CAPTURE_SIGNAL& signal = m_capture.signals[i];
-    status = groups->AddGroup(names[i]);
+  // All names come first and the channels go in by position: every channel sets the index of the
+  // names back, and captures name their signals by the thousand.
+  for (const std::string& name : GroupNamesOf(m_capture.signals)) {
+    if (!Failed(status)) status = groups->AddGroup(name);
+  }
+  for (int i = 0; const CAPTURE_SIGNAL& signal : m_capture.signals) {
+    GROUP* group = nullptr;
+    if (!Failed(status)) status = groups->GetGroup(i++, &group);
     for (int bit = signal.width - 1; bit >= 0 && !Failed(status); --bit) {
-      status = instrument.AddChannelToGroup(names[i], signal.firstBit + bit, -1);
+      status = group->AddChannel(signal.firstBit + bit, -1);
     }
+    if (!Failed(status)) instrument.RebuildChannelNames(*group);
   }
   return Failed(status) ? Fail("the groups cannot be made") : S_OK;
 }
@@ -106,7 +125,6 @@ Status CCaptureLoader::MakeGroups(CInstrument& instrument) {
 Status CCaptureLoader::MakeBlocks(CInstrument& instrument, const Progress& progress) {
   CBlockManager* blocks = nullptr;
   Status status = instrument.GetBlockManager(&blocks);
-  if (!Failed(status)) status = blocks->DeleteAll();
   const std::vector<FOLDED_PROGRAM::BLOCK_SOURCE>& sources = m_plan.program.blocks;
   const int count = static_cast<int>(sources.size());
   for (int i = 0; i < count && !Failed(status); ++i) {
@@ -144,7 +162,6 @@ void CCaptureLoader::Fill(BLOCK& block, std::int64_t first) const {
 Status CCaptureLoader::MakeSequence(CInstrument& instrument) {
   CSequenceManager* sequence = nullptr;
   Status status = instrument.GetSequenceManager(&sequence);
-  if (!Failed(status)) status = sequence->DeleteAll();
   int position = 0;
   for (const FOLDED_PROGRAM::LINE& source : m_plan.program.lines) {
     if (Failed(status)) break;

@@ -35,6 +35,7 @@ class CCaptureLoader {
   Status MakeInstrument(CAppServer& server, CInstrumentManager& instruments,
                         CInstrument** instrument);
   Status ApplySettings(CInstrument& instrument);
+  Status ClearProgram(CInstrument& instrument);
   Status MakeGroups(CInstrument& instrument);
   Status MakeBlocks(CInstrument& instrument, const Progress& progress);
   void Fill(BLOCK& block, std::int64_t first) const;

@@ -94,6 +94,9 @@ Radix DefaultRadix() {
 }  // namespace
 
 Status CInstrument::UpdateListingState() {
+  int blocks = 0;
+  (void)m_blockManager->GetNoOfBlocks(blocks);
+  if (blocks == 0) return S_OK;  // groups may come by the thousand before the first block
   return GuardAllocation([&] {
     const auto names = NamesOf(*m_groupManager);
     const Radix radix = DefaultRadix();
