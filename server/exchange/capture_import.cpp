@@ -81,24 +81,26 @@ Status CCaptureImport::Read(const std::string& path) {
   m_plan = CAPTURE_PLAN();
   m_notices.clear();
   m_errorText.clear();
-  if (m_router) m_router->SetProgressTitle("Reading " + path + "...");
-  CVcdReader reader;
-  reader.SetProgress([this](int percent) { return ReportProgress(percent); });
-  const Status status = reader.ReadFile(path, m_capture);
-  if (Failed(status)) return Fail(status, reader.GetErrorText());
-  return GuardAllocation([this] {
-    m_notices = m_capture.notices;
-    return S_OK;
-  });
+  return GuardAllocation(
+      [&]() -> Status {
+        if (m_router) m_router->SetProgressTitle("Reading " + path + "...");
+        CVcdReader reader;
+        reader.SetProgress([this](int percent) { return ReportProgress(percent); });
+        const Status status = reader.ReadFile(path, m_capture);
+        if (Failed(status)) return Fail(status, reader.GetErrorText());
+        m_notices = m_capture.notices;
+        return S_OK;
+      },
+      E_OUTOFMEMORY);
 }
 
 Status CCaptureImport::Plan(RATIO period) {
   m_plan = CAPTURE_PLAN();
   if (m_capture.stamps.empty()) return Fail(E_FAIL, "no capture was read");
-  if (m_router) m_router->SetProgressTitle("Folding " + m_capture.file + "...");
-  if (!ReportProgress(0)) return PG_E_ABORTED;
   return GuardAllocation(
       [&]() -> Status {
+        if (m_router) m_router->SetProgressTitle("Folding " + m_capture.file + "...");
+        if (!ReportProgress(0)) return PG_E_ABORTED;
         CAPTURE_PLAN plan;
         CCaptureGrid finder;
         const Status status = finder.Find(m_capture, period, plan.grid);
@@ -169,8 +171,8 @@ Status CCaptureImport::Load(CInstrument** instrument) {
   if (m_plan.program.lines.empty()) return Fail(E_FAIL, "no capture was planned");
   CAppServer* server = nullptr;
   const Status started = CAppServer::GetServer(&server);
+        if (m_router) m_router->SetProgressTitle("Loading " + m_capture.file + "...");
   if (Failed(started) || !server) return Fail(E_FAIL, "the server does not start");
-  if (m_router) m_router->SetProgressTitle("Loading " + m_capture.file + "...");
   const CWaitCursor cursor;
   return GuardAllocation(
       [&] {
@@ -212,9 +214,13 @@ bool CCaptureImport::ReportProgress(int percent) {
   return !m_aborted;
 }
 
-Status CCaptureImport::Fail(Status status, const std::string& text) {
-  m_errorText = text;
-  return status;
+Status CCaptureImport::Fail(Status status, std::string_view text) {
+  return GuardAllocation(
+      [&] {
+        m_errorText = text;
+        return status;
+      },
+      E_OUTOFMEMORY);
 }
 
 }  // namespace quillpg

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillpg {
@@ -70,7 +71,7 @@ class QUILLPG_API CCaptureImport {
  private:
   Status ChooseHardware(CAPTURE_PLAN& plan);
   bool ReportProgress(int percent);
-  Status Fail(Status status, const std::string& text);
+  Status Fail(Status status, std::string_view text);
 
   CMessageRouter* m_router = nullptr;
   bool m_aborted = false;

@@ -287,17 +287,23 @@ bool CVcdParser::Report() {
 }  // namespace
 
 Status CVcdReader::ReadFile(const std::string& path, CAPTURE& capture) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    m_errorText = path + ": the file cannot be opened";
-    return PG_E_FILE_NOT_OPENED;
-  }
-  std::error_code noPlainFile;  // a pipe is read as it comes, its length unknown
-  const std::uintmax_t length = std::filesystem::file_size(path, noPlainFile);
-  const Status status =
-      Read(file, path, noPlainFile ? 0 : static_cast<std::int64_t>(length), capture);
-  if (file.bad()) m_errorText = path + ": the file cannot be read";  // a folder, for example
-  return status;
+  m_errorText.clear();
+  return GuardAllocation(
+      [&]() -> Status {
+        std::ifstream file(path, std::ios::binary);
+        if (!file) {
+          m_errorText = path + ": the file cannot be opened";
+          return PG_E_FILE_NOT_OPENED;
+        }
+        std::error_code noPlainFile;  // a pipe is read as it comes, its length unknown
+        const std::uintmax_t length = std::filesystem::file_size(path, noPlainFile);
+        const Status status =
+            Read(file, path, noPlainFile ? 0 : static_cast<std::int64_t>(length), capture);
+        // A folder, for example.
+        if (file.bad()) m_errorText = path + ": the file cannot be read";
+        return status;
+      },
+      E_OUTOFMEMORY);
 }
 
 Status CVcdReader::Read(std::istream& stream, const std::string& name, std::int64_t length,

@@ -251,16 +251,22 @@ void CVcdWriter::OnRun(const VECTOR_RUN& run) {
 }
 
 Status CVcdWriter::Commit() {
+  const Status status = GuardAllocation([this] { return CommitLanes(); });
+  Discard();
+  return status;
+}
+
+Status CVcdWriter::CommitLanes() {
   if (m_lanes.empty()) return E_FAIL;
   bool good = true;
   for (const auto& lane : m_lanes) good = lane->Finish() && good;
   if (good && m_lanes.size() > 1) good = MergeLanes();
-  if (!good)
+  if (!good) {
     return Fail(E_FAIL, m_path + ": could not be written: the disk is full, or time runs over");
+  }
   if (m_file.IsOpen() && Failed(m_file.Commit())) {
     return Fail(E_FAIL, m_path + ": " + m_file.GetErrorText());
   }
-  Discard();
   return S_OK;
 }
 

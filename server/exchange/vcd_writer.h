@@ -83,6 +83,7 @@ class QUILLPG_API CVcdWriter : public CVectorSink {
   static Status Prepare(const std::vector<VCD_INSTRUMENT>& instruments, const VCD_OPTIONS& options,
                         PLAN& plan);
   void AddLane(CVcdOutput output, PLAN& plan, std::size_t index);
+  Status CommitLanes();
   bool MergeLanes();
   Status Fail(Status status, std::string text);
 
