@@ -31,7 +31,7 @@ int main(int argc, char** argv) {
   // Read the capture, find its sample period, fold it into blocks, choose the modules it needs.
   CCaptureImport import;
   if (Failed(import.Read(argv[1])) || Failed(import.Plan(RATIO{})) ||
-      Failed(import.ConfigureSimulation())) {
+      Failed(import.ConfigureSimulation(mainframe.Control()))) {
     return Refuse(import.GetErrorText());
   }
   CAppServer* server = nullptr;

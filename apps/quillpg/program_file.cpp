@@ -65,7 +65,7 @@ int CProgramFile::LoadCapture(const INPUT_OPTIONS& options, CServerSession& sess
 
   Status status = m_import.Read(options.file);
   if (!Failed(status)) status = m_import.Plan(period);
-  if (!Failed(status)) status = m_import.ConfigureSimulation();
+  if (!Failed(status)) status = m_import.ConfigureSimulation(session.Simulation());
   router.EraseBar();
   if (Failed(status)) return Refuse(status, options);
   if (session.Server() == nullptr) return STATUS_UNUSABLE;

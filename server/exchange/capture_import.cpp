@@ -5,7 +5,7 @@
 #include "exchange/capture_loader.h"
 #include "exchange/vcd_description.h"
 #include "exchange/vcd_reader.h"
-#include "hardware/simulation/simulated_hardware.h"
+#include "hardware/simulation/simulation_control.h"
 #include "instrument/mode_limits.h"
 #include "quillpg/app_server.h"
 #include "quillpg/host_services.h"
@@ -156,13 +156,9 @@ Status CCaptureImport::ChooseHardware(CAPTURE_PLAN& plan) {
   return Fail(PG_E_LIMIT, text);
 }
 
-Status CCaptureImport::ConfigureSimulation() {
+Status CCaptureImport::ConfigureSimulation(CSimulationControl& simulation) {
   if (m_plan.program.lines.empty()) return Fail(E_FAIL, "no capture was planned");
-  CHardwareManager* manager = nullptr;
-  (void)CHardwareManager::GetHardwareManager(&manager);  // null on failure
-  auto* simulation = dynamic_cast<CSimulatedHardware*>(manager);
-  if (!simulation) return Fail(E_FAIL, "the hardware library is no simulation");
-  const Status status = simulation->Control().SetModules(m_plan.modules, m_plan.memoryOption);
+  const Status status = simulation.SetModules(m_plan.modules, m_plan.memoryOption);
   return Failed(status) ? Fail(status, "the simulation refuses the modules") : S_OK;
 }
 
@@ -171,11 +167,11 @@ Status CCaptureImport::Load(CInstrument** instrument) {
   if (m_plan.program.lines.empty()) return Fail(E_FAIL, "no capture was planned");
   CAppServer* server = nullptr;
   const Status started = CAppServer::GetServer(&server);
-        if (m_router) m_router->SetProgressTitle("Loading " + m_capture.file + "...");
   if (Failed(started) || !server) return Fail(E_FAIL, "the server does not start");
   const CWaitCursor cursor;
   return GuardAllocation(
       [&] {
+        if (m_router) m_router->SetProgressTitle("Loading " + m_capture.file + "...");
         CCaptureLoader loader(m_capture, m_plan);
         const Status status = loader.Load(
             *server, [this](int percent) { return ReportProgress(percent); }, &m_instrument);

@@ -17,6 +17,7 @@ namespace quillpg {
 
 class CInstrument;
 class CMessageRouter;
+class CSimulationControl;
 
 /// What a capture needs to be played, and how.
 struct CAPTURE_PLAN {
@@ -48,8 +49,8 @@ class QUILLPG_API CCaptureImport {
   /// in the text when five modules with the option cannot hold it.
   Status Plan(RATIO period);
 
-  /// Gives the installed simulated mainframe the modules of the plan; E_FAIL for real hardware.
-  Status ConfigureSimulation();
+  /// Gives a simulated mainframe the modules of the plan.
+  Status ConfigureSimulation(CSimulationControl& simulation);
 
   /// Replaces the server's instruments by one that holds the capture as groups, blocks and
   /// sequence. `*instrument` stays the server's.

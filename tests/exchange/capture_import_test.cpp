@@ -83,7 +83,7 @@ TEST(CaptureImport, ChoosesTheLeastHardwareAndPlaysTheCapture) {
     EXPECT_EQ(import.GetPlan().modules, row.modules);
     EXPECT_EQ(import.GetPlan().memoryOption, row.option);
     ASSERT_EQ(import.GetLength(), row.vectors);
-    ASSERT_EQ(import.ConfigureSimulation(), S_OK) << import.GetErrorText();
+    ASSERT_EQ(import.ConfigureSimulation(engine.Simulation()), S_OK) << import.GetErrorText();
     ASSERT_EQ(engine.Modules().Initialize(), S_OK);
     CInstrument* instrument = nullptr;
     ASSERT_EQ(import.Load(&instrument), S_OK) << import.GetErrorText();
