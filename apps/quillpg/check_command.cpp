@@ -1,5 +1,4 @@
-#include "check_command.h"
-
+#include "commands.h"
 #include "exit_status.h"
 #include "interrupt.h"
 #include "program_file.h"
@@ -10,7 +9,7 @@
 
 namespace quillpg::tool {
 
-int RunCheckCommand(const CHECK_OPTIONS& options) {
+int RunCommand(const CHECK_OPTIONS& options) {
   CTerminalRouter router(!options.input.quiet && CTerminalRouter::OnTerminal());
   CServerSession session(router);
   CProgramFile file;

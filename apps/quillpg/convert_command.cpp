@@ -1,5 +1,4 @@
-#include "convert_command.h"
-
+#include "commands.h"
 #include "exit_status.h"
 #include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
@@ -18,11 +17,6 @@
 
 namespace quillpg::tool {
 namespace {
-
-int Refuse(const std::string& text) {
-  ReportError(text);
-  return STATUS_UNUSABLE;
-}
 
 CInstrumentManager& Instruments(CServerSession& session) {
   CInstrumentManager* instruments = nullptr;
@@ -54,7 +48,7 @@ int SaveInstrument(CServerSession& session, const CONVERT_OPTIONS& options, int 
   int position = -1;
   CInstrument* instrument = nullptr;
   if (Failed(instruments.GetInstrumentPos(options.instrument, position)) ||
-      Failed(instruments.GetInstrumentAt(position, &instrument)) || instrument == nullptr) {
+      Failed(instruments.GetInstrumentAt(position, &instrument)) || !instrument) {
     return Refuse("there is no instrument '" + options.instrument + "'");
   }
   std::string comment;
@@ -67,7 +61,7 @@ int SaveInstrument(CServerSession& session, const CONVERT_OPTIONS& options, int 
 // Merges the modules first to last; false when the merge manager refuses.
 bool MergeModules(CServerSession& session, int first, int last) {
   CMergeManager* merge = nullptr;
-  if (Failed(session.Server()->GetMergeManager(&merge)) || merge == nullptr) return false;
+  if (Failed(session.Server()->GetMergeManager(&merge)) || !merge) return false;
   for (int module = first + 1; module <= last; ++module) {
     int left = -1;
     int right = -1;
@@ -82,7 +76,7 @@ bool MergeModules(CServerSession& session, int first, int last) {
 
 }  // namespace
 
-int RunConvertCommand(const CONVERT_OPTIONS& options) {
+int RunCommand(const CONVERT_OPTIONS& options) {
   CTerminalRouter router(!options.input.quiet && CTerminalRouter::OnTerminal());
   CServerSession session(router);
   int loaded = STATUS_GOOD;
@@ -104,7 +98,7 @@ int RunConvertCommand(const CONVERT_OPTIONS& options) {
   return Interrupted() ? InterruptStatus() : status;
 }
 
-int RunMergeCommand(const MERGE_OPTIONS& options) {
+int RunCommand(const MERGE_OPTIONS& options) {
   CTerminalRouter router(false);
   CServerSession session(router);
   CSetupFile file;
@@ -119,16 +113,16 @@ int RunMergeCommand(const MERGE_OPTIONS& options) {
   return SaveSystem(session, options.out);
 }
 
-int RunTestDataCommand(const TEST_DATA_OPTIONS& options) {
+int RunCommand(const TEST_DATA_OPTIONS& options) {
   CTerminalRouter router(false);
   CServerSession session(router);
-  if (Failed(session.Simulation().SetModules(options.modules)) || session.Server() == nullptr ||
+  if (Failed(session.Simulation().SetModules(options.modules)) || !session.Server() ||
       Failed(session.Server()->DefaultSystem()) || !MergeModules(session, 0, options.modules - 1)) {
     return Refuse("the instrument cannot be made");
   }
   CInstrument* instrument = nullptr;
   (void)Instruments(session).GetInstrumentAt(0, &instrument);
-  if (instrument == nullptr) return STATUS_UNUSABLE;
+  if (!instrument) return STATUS_UNUSABLE;
   if (options.half) (void)instrument->SetChannelMode(ChannelMode::Half);
   if (Failed(instrument->CreateTestData(options.kind))) {
     return Refuse("the test program cannot be made on this instrument");
@@ -136,13 +130,13 @@ int RunTestDataCommand(const TEST_DATA_OPTIONS& options) {
   return SaveSystem(session, options.out);
 }
 
-int RunSimConfigCommand(const SIM_CONFIG_OPTIONS& options) {
+int RunCommand(const SIM_CONFIG_OPTIONS& options) {
   CTerminalRouter router(false);
   CServerSession session(router);
   CSetupFile file;
   const int status = file.Read(options.file);
   if (status != STATUS_GOOD) return status;
-  if (Failed(session.Simulation().SetModules(0)) || session.Server() == nullptr) {
+  if (Failed(session.Simulation().SetModules(0)) || !session.Server()) {
     return STATUS_UNUSABLE;
   }
   (void)session.Server()->InitializeVisaStubFile(options.out);
@@ -152,7 +146,7 @@ int RunSimConfigCommand(const SIM_CONFIG_OPTIONS& options) {
   // It drops the status of the write; writing the same once more tells it.
   CVisaStubGen* generator = nullptr;
   (void)session.Server()->GetVisaStubGenerator(&generator);
-  if (generator == nullptr || Failed(generator->WriteFile())) {
+  if (!generator || Failed(generator->WriteFile())) {
     return Refuse(options.out + ": cannot be written");
   }
   return SavedStatus(S_OK, options.out);

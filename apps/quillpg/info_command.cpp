@@ -1,6 +1,5 @@
-#include "info_command.h"
-
 #include "base/text.h"
+#include "commands.h"
 #include "exit_status.h"
 #include "report.h"
 #include "setup_file.h"
@@ -38,15 +37,14 @@ void PrintInstrument(std::size_t index, const SETUP_FILE_INSTRUMENT& instrument,
 int Finish(const std::string& path, const CSetupFile& file) {
   const bool printed = FlushOutput();
   if (const std::string damage = file.Damage(); !damage.empty()) {
-    ReportError(path + ": the file goes wrong in " + damage);
-    return STATUS_UNUSABLE;
+    return Refuse(path + ": the file goes wrong in " + damage);
   }
   return printed ? STATUS_GOOD : STATUS_UNUSABLE;
 }
 
 }  // namespace
 
-int RunInfoCommand(const INFO_OPTIONS& options) {
+int RunCommand(const INFO_OPTIONS& options) {
   CSetupFile file;
   const int status = file.Read(options.file);
   if (status != STATUS_GOOD) return status;
@@ -67,7 +65,7 @@ int RunInfoCommand(const INFO_OPTIONS& options) {
   return Finish(options.file, file);
 }
 
-int RunDumpCommand(const DUMP_OPTIONS& options) {
+int RunCommand(const DUMP_OPTIONS& options) {
   CSetupFile file;
   const int status = file.Read(options.file);
   if (status != STATUS_GOOD) return status;

@@ -1,5 +1,4 @@
-#include "modules_command.h"
-
+#include "commands.h"
 #include "exit_status.h"
 #include "hardware/hardware_library.h"
 #include "hardware/module_manager.h"
@@ -54,19 +53,19 @@ void Print(const std::vector<ROW>& rows) {
 
 }  // namespace
 
-int RunModulesCommand() {
+int RunCommand(const MODULES_OPTIONS& /*options*/) {
   CTerminalRouter router(false);
   CServerSession session(router);
   CAppServer* server = session.Server();
   CModuleManager* modules = nullptr;
-  if (server == nullptr || server->GetModuleManager(&modules) != S_OK) return STATUS_UNUSABLE;
+  if (!server || server->GetModuleManager(&modules) != S_OK) return STATUS_UNUSABLE;
 
   int count = 0;
   (void)modules->GetNoOfModules(count);
   std::vector<ROW> rows = {kHeading};
   for (int i = 0; i < count; ++i) {
     CSorrelModule* module = nullptr;
-    if (modules->GetSorrelModuleAt(i, &module) == S_OK && module != nullptr) {
+    if (modules->GetSorrelModuleAt(i, &module) == S_OK && module) {
       rows.push_back(Describe(*module));
     }
   }

@@ -25,7 +25,7 @@ void ForEachInstrument(CAppServer& server, Visit visit) {
   (void)manager->GetNoOfInstruments(count);
   for (int i = 0; i < count; ++i) {
     CInstrument* instrument = nullptr;
-    if (manager->GetInstrumentAt(i, &instrument) == S_OK && instrument != nullptr) {
+    if (manager->GetInstrumentAt(i, &instrument) == S_OK && instrument) {
       visit(i, *instrument);
     }
   }

@@ -18,10 +18,7 @@ namespace quillpg::tool {
 int CProgramFile::Load(const INPUT_OPTIONS& options, CServerSession& session,
                        CTerminalRouter& router) {
   std::string fault;
-  if (!IsReadable(options.file, fault)) {
-    ReportError(fault);
-    return STATUS_UNUSABLE;
-  }
+  if (!IsReadable(options.file, fault)) return Refuse(fault);
   const int status = CSetupFile::IsSetupFile(options.file) ? LoadSetup(options, session)
                                                            : LoadCapture(options, session, router);
   session.OnInterrupt(nullptr);
@@ -42,7 +39,7 @@ int CProgramFile::LoadSetup(const INPUT_OPTIONS& options, CServerSession& sessio
     (void)instruments->GetInstrumentAt(i, &instrument);
     VCD_INSTRUMENT description;
     // An instrument that got no module drives no pins.
-    if (instrument == nullptr || Failed(DescribeInstrument(*instrument, description))) continue;
+    if (!instrument || Failed(DescribeInstrument(*instrument, description))) continue;
     m_instruments.push_back(std::move(description));
   }
   const SETUP_FILE_CONTENTS& contents = file.Contents();
@@ -57,8 +54,7 @@ int CProgramFile::LoadCapture(const INPUT_OPTIONS& options, CServerSession& sess
                               CTerminalRouter& router) {
   RATIO period;
   if (!options.period.empty() && ParsePeriod(options.period, period) != S_OK) {
-    ReportError("--period " + options.period + ": not a period such as 62.5ns, 1us or 1e-6");
-    return STATUS_UNUSABLE;
+    return Refuse("--period " + options.period + ": not a period such as 62.5ns, 1us or 1e-6");
   }
   m_import.SetMessageRouter(&router);
   session.OnInterrupt([this] { m_import.AbortOperation(); });
@@ -67,15 +63,15 @@ int CProgramFile::LoadCapture(const INPUT_OPTIONS& options, CServerSession& sess
   if (!Failed(status)) status = m_import.Plan(period);
   if (!Failed(status)) status = m_import.ConfigureSimulation(session.Simulation());
   router.EraseBar();
-  if (Failed(status)) return Refuse(status, options);
-  if (session.Server() == nullptr) return STATUS_UNUSABLE;
+  if (Failed(status)) return RefuseCapture(status, options);
+  if (!session.Server()) return STATUS_UNUSABLE;
 
   CInstrument* instrument = nullptr;
   status = m_import.Load(&instrument);
   VCD_INSTRUMENT description;
   if (!Failed(status)) status = m_import.DescribeForVcd(description);
   router.EraseBar();
-  if (Failed(status)) return Refuse(status, options);
+  if (Failed(status)) return RefuseCapture(status, options);
 
   for (const std::string& notice : m_import.GetNotices()) ReportNotice(notice);
   m_length = m_import.GetLength();
@@ -84,11 +80,11 @@ int CProgramFile::LoadCapture(const INPUT_OPTIONS& options, CServerSession& sess
   return STATUS_GOOD;
 }
 
-int CProgramFile::Refuse(Status status, const INPUT_OPTIONS& options) {
+int CProgramFile::RefuseCapture(Status status, const INPUT_OPTIONS& options) {
   if (status == PG_E_ABORTED && Interrupted()) return InterruptStatus();
   const std::string& text = m_import.GetErrorText();
-  ReportError(text.empty() ? options.file + ": " + StatusText(status) : text);
-  return STATUS_UNUSABLE;
+  if (text.empty()) return Refuse(options.file + ": " + StatusText(status));
+  return Refuse(text);
 }
 
 void CProgramFile::Summarize() {

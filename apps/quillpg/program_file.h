@@ -33,7 +33,7 @@ class CProgramFile {
  private:
   int LoadSetup(const INPUT_OPTIONS& options, CServerSession& session);
   int LoadCapture(const INPUT_OPTIONS& options, CServerSession& session, CTerminalRouter& router);
-  int Refuse(Status status, const INPUT_OPTIONS& options);
+  int RefuseCapture(Status status, const INPUT_OPTIONS& options);
   void Summarize();
 
   CCaptureImport m_import;

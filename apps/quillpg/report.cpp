@@ -1,5 +1,7 @@
 #include "report.h"
 
+#include "exit_status.h"
+
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -23,6 +25,11 @@ void PutError(std::string_view kind, std::string_view text) {
 }  // namespace
 
 void ReportError(std::string_view text) { PutError("", text); }
+
+int Refuse(std::string_view text) {
+  ReportError(text);
+  return STATUS_UNUSABLE;
+}
 
 void ReportNotice(std::string_view text) { PutError("notice: ", text); }
 

@@ -10,6 +10,8 @@ namespace quillpg::tool {
 
 /// "quillpg: text" on standard error.
 void ReportError(std::string_view text);
+/// The same, and gives STATUS_UNUSABLE for the caller to return.
+int Refuse(std::string_view text);
 /// "quillpg: notice: text" on standard error.
 void ReportNotice(std::string_view text);
 

@@ -1,5 +1,4 @@
-#include "run_command.h"
-
+#include "commands.h"
 #include "compiler/compiler.h"
 #include "exchange/vcd_writer.h"
 #include "exit_status.h"
@@ -51,11 +50,6 @@ class CRun {
   }
 
  private:
-  static int Refuse(const std::string& text) {
-    ReportError(text);
-    return STATUS_UNUSABLE;
-  }
-
   void Tell(const std::string& text) {
     m_router.EraseBar();
     if (!m_options.input.quiet) PrintLine(text);
@@ -196,6 +190,6 @@ class CRun {
 
 }  // namespace
 
-int RunRunCommand(const RUN_OPTIONS& options) { return CRun(options).Execute(); }
+int RunCommand(const RUN_OPTIONS& options) { return CRun(options).Execute(); }
 
 }  // namespace quillpg::tool

@@ -23,7 +23,7 @@ CServerSession::~CServerSession() {
 }
 
 CAppServer* CServerSession::Server() {
-  if (m_server != nullptr) return m_server;
+  if (m_server) return m_server;
   CAppServer* server = nullptr;
   const Status status = CAppServer::GetServer(&server);
   m_server = server;
@@ -37,7 +37,7 @@ CAppServer* CServerSession::Server() {
 
 void CServerSession::Abort() {
   if (m_abort) m_abort();
-  if (m_server == nullptr) return;
+  if (!m_server) return;
   (void)m_server->AbortCompilation();  // what is not running has nothing to abort
   (void)m_server->AbortDownload();
 }

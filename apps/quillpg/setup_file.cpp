@@ -64,20 +64,16 @@ bool CSetupFile::IsSetupFile(const std::string& path) {
 int CSetupFile::Read(const std::string& path) {
   m_path = path;
   std::string fault;
-  if (!ReadInputText(path, m_bytes, fault)) {
-    ReportError(fault);
-    return STATUS_UNUSABLE;
-  }
+  if (!ReadInputText(path, m_bytes, fault)) return Refuse(fault);
   const auto* bytes = reinterpret_cast<const std::uint8_t*>(m_bytes.data());
   m_walked = WalkSetupFile({bytes, m_bytes.size()}, {}, m_contents);
-  if (m_walked == PG_E_NOT_SETUP_FILE) return Refuse(m_walked);
+  if (m_walked == PG_E_NOT_SETUP_FILE) return RefuseFile(m_walked);
   return STATUS_GOOD;
 }
 
 int CSetupFile::Read(const INPUT_OPTIONS& options) {
   if (options.period.empty()) return Read(options.file);
-  ReportError("--period is for captures: " + options.file + " holds its own clock");
-  return STATUS_UNUSABLE;
+  return Refuse("--period is for captures: " + options.file + " holds its own clock");
 }
 
 std::string CSetupFile::Damage() const {
@@ -86,47 +82,46 @@ std::string CSetupFile::Damage() const {
          Grouped(static_cast<std::int64_t>(m_contents.failedOffset));
 }
 
-int CSetupFile::Refuse(Status status) const {
+int CSetupFile::RefuseFile(Status status) const {
   const std::string damage = Damage();
-  ReportError(m_path + ": " + StatusText(status) + (damage.empty() ? "" : " (" + damage + ")"));
-  return STATUS_UNUSABLE;
+  return Refuse(m_path + ": " + StatusText(status) + (damage.empty() ? "" : " (" + damage + ")"));
 }
 
 int CSetupFile::LoadInto(CServerSession& session) const {
   CFileManager* files = nullptr;
   (void)session.Server()->GetFileManager(&files);
-  if (files == nullptr) return STATUS_UNUSABLE;
+  if (!files) return STATUS_UNUSABLE;
   // A module file is no system file, yet it loads as a system of its one instrument.
   if (m_contents.fixedSection.fileType != FileType::Module) {
     const Status fits = files->CanLoadSystemFile(m_path);
-    if (Failed(fits)) return Refuse(fits);
+    if (Failed(fits)) return RefuseFile(fits);
   }
   const Status status = session.Server()->LoadSystem(m_path);
-  if (Failed(status)) return Refuse(status);
+  if (Failed(status)) return RefuseFile(status);
   if (Failed(m_walked)) ReportNotice(m_path + ": loaded up to " + Damage());
   return STATUS_GOOD;
 }
 
 int CSetupFile::LoadForPlay(CServerSession& session) const {
-  if (Failed(session.Simulation().SetModules(0)) || session.Server() == nullptr) {
+  if (Failed(session.Simulation().SetModules(0)) || !session.Server()) {
     return STATUS_UNUSABLE;
   }
   CFileManager* files = nullptr;
   (void)session.Server()->GetFileManager(&files);
-  if (files == nullptr) return STATUS_UNUSABLE;
+  if (!files) return STATUS_UNUSABLE;
   // Without a path the modules are brought up and no configuration file is written.
   (void)session.Server()->InitializeVisaStubFile("");
   const Status opened = files->IsPGFile(m_path);
-  if (Failed(opened)) return Refuse(opened);
+  if (Failed(opened)) return RefuseFile(opened);
   (void)files->GenerateVisaStub();
   return LoadInto(session);
 }
 
 int CSetupFile::LoadForEditing(CServerSession& session) const {
   if (Failed(session.Simulation().SetModules(DescribeModules(m_contents)))) {
-    return Refuse(PG_E_MODULE_COUNT);
+    return RefuseFile(PG_E_MODULE_COUNT);
   }
-  return session.Server() == nullptr ? STATUS_UNUSABLE : LoadInto(session);
+  return session.Server() ? LoadInto(session) : STATUS_UNUSABLE;
 }
 
 }  // namespace quillpg::tool

@@ -38,7 +38,7 @@ class CSetupFile {
 
  private:
   int LoadInto(CServerSession& session) const;
-  int Refuse(Status status) const;
+  int RefuseFile(Status status) const;
 
   std::string m_path;
   std::string m_bytes;

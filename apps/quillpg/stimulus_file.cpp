@@ -41,10 +41,10 @@ bool ReadStimulusFile(const std::string& path, std::vector<STIMULUS_LINE>& lines
 
     STIMULUS_LINE parsed{};
     const char* fault = ParseLine(line, parsed);
-    if (fault == nullptr && !lines.empty() && parsed.vector <= lines.back().vector) {
+    if (!fault && !lines.empty() && parsed.vector <= lines.back().vector) {
       fault = "the vectors do not rise";
     }
-    if (fault != nullptr) {
+    if (fault) {
       error = path + ":" + std::to_string(number) + ": " + fault;
       return false;
     }
