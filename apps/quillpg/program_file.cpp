@@ -14,6 +14,15 @@
 #include "terminal_router.h"
 
 namespace quillpg::tool {
+namespace {
+
+// What the user can do about a capture that cannot be planned.
+std::string_view HintFor(Status planned) {
+  if (planned == E_FAIL) return "; give --period";
+  return planned == PG_E_LIMIT ? "; a longer --period gives fewer vectors" : "";
+}
+
+}  // namespace
 
 int CProgramFile::Load(const INPUT_OPTIONS& options, CServerSession& session,
                        CTerminalRouter& router) {
@@ -60,10 +69,14 @@ int CProgramFile::LoadCapture(const INPUT_OPTIONS& options, CServerSession& sess
   session.OnInterrupt([this] { m_import.AbortOperation(); });
 
   Status status = m_import.Read(options.file);
-  if (!Failed(status)) status = m_import.Plan(period);
+  std::string_view hint;
+  if (!Failed(status)) {
+    status = m_import.Plan(period);
+    hint = HintFor(status);
+  }
   if (!Failed(status)) status = m_import.ConfigureSimulation(session.Simulation());
   router.EraseBar();
-  if (Failed(status)) return RefuseCapture(status, options);
+  if (Failed(status)) return RefuseCapture(status, options, hint);
   if (!session.Server()) return STATUS_UNUSABLE;
 
   CInstrument* instrument = nullptr;
@@ -80,11 +93,12 @@ int CProgramFile::LoadCapture(const INPUT_OPTIONS& options, CServerSession& sess
   return STATUS_GOOD;
 }
 
-int CProgramFile::RefuseCapture(Status status, const INPUT_OPTIONS& options) {
+int CProgramFile::RefuseCapture(Status status, const INPUT_OPTIONS& options,
+                                std::string_view hint) {
   if (status == PG_E_ABORTED && Interrupted()) return InterruptStatus();
   const std::string& text = m_import.GetErrorText();
   if (text.empty()) return Refuse(options.file + ": " + StatusText(status));
-  return Refuse(text);
+  return Refuse(text + std::string(hint));
 }
 
 void CProgramFile::Summarize() {

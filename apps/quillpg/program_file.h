@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillpg::tool {
@@ -33,7 +34,7 @@ class CProgramFile {
  private:
   int LoadSetup(const INPUT_OPTIONS& options, CServerSession& session);
   int LoadCapture(const INPUT_OPTIONS& options, CServerSession& session, CTerminalRouter& router);
-  int RefuseCapture(Status status, const INPUT_OPTIONS& options);
+  int RefuseCapture(Status status, const INPUT_OPTIONS& options, std::string_view hint = {});
   void Summarize();
 
   CCaptureImport m_import;

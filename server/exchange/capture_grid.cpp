@@ -18,6 +18,10 @@ constexpr double kSensibleVectors = 1 << 24;
 constexpr double kMaxVectors = 1e15;
 // The shortest step whose multiples are still told apart when they are rounded to ticks.
 constexpr double kLeastRoundedStep = 2.5;
+// Range of the clock, s.
+constexpr double kLeastPeriod = HALF_LIMITS.minClockPeriod;
+constexpr double kMostPeriod = FULL_LIMITS.maxClockPeriod;
+constexpr int kLimitDigits = 8;  // all that the limits have
 
 // Times of all change points and of the end, from the start on.
 std::vector<std::int64_t> RelativeTimes(const CAPTURE& capture) {
@@ -40,8 +44,8 @@ RATIO CommonStep(std::span<const std::int64_t> times) {
 // The longest step of which all times are rounded multiples; not set without one.
 RATIO FindRoundedStep(const CAPTURE& capture, std::span<const std::int64_t> times) {
   const double tick = std::pow(10.0, capture.tickExponent);
-  const double least = std::max(kLeastRoundedStep, HALF_LIMITS.minClockPeriod / tick);
-  const double most = FULL_LIMITS.maxClockPeriod / tick;
+  const double least = std::max(kLeastRoundedStep, kLeastPeriod / tick);
+  const double most = kMostPeriod / tick;
   const RATIO step =
       CGridSearch(times).Find(least, most, ScaleByPowerOfTen(RATIO{1, 1}, -capture.tickExponent));
   return CanClock(ScaleByPowerOfTen(step, capture.tickExponent)) ? step : RATIO{};
@@ -124,7 +128,9 @@ Status CCaptureGrid::Find(const CAPTURE& capture, RATIO period, SAMPLE_GRID& gri
   return GuardAllocation(
       [&]() -> Status {
         const std::vector<std::int64_t> times = RelativeTimes(capture);
-        const std::string range = "the clock plays 3.7313432 ns to 2 s; give --period";
+        const std::string range =
+            "the clock plays " + FormatPeriod(PeriodFromSeconds(kLeastPeriod), kLimitDigits) +
+            " to " + FormatPeriod(PeriodFromSeconds(kMostPeriod), kLimitDigits);
         if (period.IsSet() && !CanClock(period)) {
           m_errorText = "a period of " + FormatPeriod(period) + " cannot be played: " + range;
           return E_FAIL;
@@ -139,7 +145,7 @@ Status CCaptureGrid::Find(const CAPTURE& capture, RATIO period, SAMPLE_GRID& gri
           return E_FAIL;
         }
         if (static_cast<double>(times.back()) / step.ToDouble() > kMaxVectors) {
-          m_errorText = "the capture is too long for its period: give a longer --period";
+          m_errorText = "the capture is too long for its period";
           return PG_E_LIMIT;
         }
         PlacePoints(times, capture, step, grid);

@@ -29,8 +29,8 @@ struct SAMPLE_GRID {
 ///    stamps speak for it and 3 gives tens of millions of vectors.
 class QUILLPG_API CCaptureGrid {
  public:
-  /// `period` in seconds, not set: found. E_FAIL with a text that says what to give when there is
-  /// no period that the clock can play.
+  /// `period` in seconds, not set: found. E_FAIL, with the clock's range in the text, when
+  /// there is none that the clock can play; PG_E_LIMIT for a capture too long for the period.
   Status Find(const CAPTURE& capture, RATIO period, SAMPLE_GRID& grid);
 
   /// For a capture that does not fit: the longest period of which every stamp is a rounded

@@ -118,17 +118,17 @@ RATIO PeriodFromSeconds(double seconds) {
   return period;
 }
 
-std::string FormatPeriod(RATIO period) {
+std::string FormatPeriod(RATIO period, int digits) {
   const double seconds = period.ToDouble();
   const UNIT* unit =
       std::find_if(std::begin(kUnits), std::end(kUnits), [seconds](const UNIT& candidate) {
         return candidate.text == "fs" || seconds >= 0.9999995 * std::pow(10.0, candidate.exponent);
       });
-  char digits[32];
+  char number[32];
   const auto result =
-      std::to_chars(digits, digits + sizeof digits, seconds * std::pow(10.0, -unit->exponent),
-                    std::chars_format::general, 6);
-  return std::string(digits, result.ptr) + " " + std::string(unit->text);
+      std::to_chars(number, number + sizeof number, seconds * std::pow(10.0, -unit->exponent),
+                    std::chars_format::general, digits);
+  return std::string(number, result.ptr) + " " + std::string(unit->text);
 }
 
 }  // namespace quillpg

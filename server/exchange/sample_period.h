@@ -42,7 +42,7 @@ QUILLPG_API Status ParsePeriod(const std::string& text, RATIO& period);
 /// 1/100000000.
 QUILLPG_API RATIO PeriodFromSeconds(double seconds);
 
-/// For people: "62.5 ns", "41.6667 ns".
-QUILLPG_API std::string FormatPeriod(RATIO period);
+/// For people, with so many significant digits at most: "62.5 ns", "41.6667 ns".
+QUILLPG_API std::string FormatPeriod(RATIO period, int digits = 6);
 
 }  // namespace quillpg

@@ -112,7 +112,7 @@ TEST(CaptureGrid, TakesTheCommonStepWhereThereIsOne) {
     SAMPLE_GRID grid;
     const Status status = finder.Find(capture, RATIO{}, grid);
     EXPECT_EQ(Failed(status), !row.period.IsSet()) << finder.GetErrorText();
-    EXPECT_EQ(Failed(status), finder.GetErrorText().find("--period") != std::string::npos);
+    EXPECT_EQ(Failed(status), !finder.GetErrorText().empty());
     EXPECT_EQ(grid.period, row.period);
     EXPECT_EQ(grid.vectors, row.vectors);
   }
