@@ -62,13 +62,13 @@ Status CInstrument::Initialize() {
   return first;
 }
 
-void CInstrument::AnnounceReset() {
+bool CInstrument::AnnounceReset() {
   (void)SetEventHandler(m_eventHandler);
-  if (m_eventHandler) m_eventHandler->OnInstrumentReset();
+  return Tell([](CEventHandler& handler) { handler.OnInstrumentReset(); });
 }
 
 Status CInstrument::Default() {
-  AnnounceReset();
+  if (!AnnounceReset()) return E_FAIL;
   for (CModule* module : m_modules) (void)module->Initialize();
   m_enabled = 1;
   m_modified.Set();
@@ -90,7 +90,7 @@ Status CInstrument::Default() {
 }
 
 Status CInstrument::ResetInstrument() {
-  AnnounceReset();
+  if (!AnnounceReset()) return E_FAIL;
   for (CModule* module : m_modules) (void)module->UpdateModuleParams();
   ApplySettings(SETTINGS(m_settings));
   return UpdateInhibitControlList();
@@ -204,7 +204,7 @@ Status CInstrument::GetInstrumentName(std::string& name) const { return StoreTex
 Status CInstrument::SetInstrumentName(const std::string& name) {
   if (name == m_name) return S_OK;
   const Status status = StoreText(m_name, name);
-  if (!Failed(status) && m_eventHandler) m_eventHandler->OnInstrumentRenamed();
+  if (!Failed(status)) (void)Tell([](CEventHandler& handler) { handler.OnInstrumentRenamed(); });
   return status;
 }
 

@@ -54,10 +54,12 @@ class QUILLPG_API CInstrument {
   /// settings stay as they are.
   Status Initialize();
   /// Everything but the name back to defaults: settings, modules' settings, program (four groups
-  /// and one block are made). Raises OnInstrumentReset first. S_OK whatever the hardware says.
+  /// and one block are made). Raises OnInstrumentReset first. S_OK whatever the hardware says;
+  /// E_FAIL when the handler destroyed the instrument.
   Status Default();
   /// Sends every stored setting again, so that the hardware holds what the model holds. Neither
-  /// deletes data nor touches the flags. Raises OnInstrumentReset first.
+  /// deletes data nor touches the flags. Raises OnInstrumentReset first; E_FAIL when the handler
+  /// destroyed the instrument.
   Status ResetInstrument();
   /// Stores the handler (the caller's; null tells nobody) and hands it to the managers.
   Status SetEventHandler(CEventHandler* handler);
@@ -337,7 +339,17 @@ class QUILLPG_API CInstrument {
   std::array<CSorrelModule*, MAX_INSTRUMENT_MODULES> Hardware() const;
   template <typename Operation, typename... Args>
   Status Forward(int module, Operation operation, Args&&... args) const;
-  void AnnounceReset();
+  /// Calls `notify(handler)` when there is a handler. False when that destroyed the instrument:
+  /// nothing of it may be touched then.
+  template <typename Notify>
+  bool Tell(Notify&& notify) const {
+    const std::weak_ptr<const bool> alive = m_alive;
+    if (m_eventHandler) notify(*m_eventHandler);
+    return !alive.expired();
+  }
+  // As Tell.
+  bool AnnounceReset();
+  bool RefreshState();
   void ApplySettings(const SETTINGS& settings);
   void EnableOutputs(bool enable) const;
   void TakeInIdle() const;
@@ -362,9 +374,10 @@ class QUILLPG_API CInstrument {
   std::string m_fileName;
   SETTINGS m_settings;
   ModuleState m_state = ModuleState::Idle;
-  /// Counts the stores of m_state; expires with the instrument, for notifications amid an
-  /// operation.
-  std::shared_ptr<std::uint64_t> m_stateChanges = std::make_shared<std::uint64_t>(0);
+  /// Counts the stores of m_state.
+  std::uint64_t m_stateChanges = 0;
+  /// Expires with the instrument.
+  std::shared_ptr<const bool> m_alive = std::make_shared<const bool>(true);
   std::vector<int> m_inhibitControls;
   std::vector<std::string> m_inhibitControlNames;
   CEventHandler* m_eventHandler = nullptr;

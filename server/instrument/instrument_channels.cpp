@@ -47,7 +47,8 @@ Status CInstrument::SetChannelName(int channel, const std::string& name) {
     return ModuleAt(channel / ChannelsPerModule())
         ->SetChannelName(inModule / ChannelsPerPod(), inModule % ChannelsPerPod(), name);
   });
-  if (!Failed(status) && m_eventHandler) m_eventHandler->OnChannelRenamed(name, channel);
+  if (Failed(status)) return status;
+  (void)Tell([&](CEventHandler& handler) { handler.OnChannelRenamed(name, channel); });
   return status;
 }
 

@@ -117,8 +117,10 @@ Status CInstrumentManager::AddDefaultInstrument(int module) {
 }
 
 Status CInstrumentManager::ReInitialize() {
-  for (int i = 0; i < Count(); ++i) {
-    if (CInstrument* instrument = At(i)) (void)instrument->ResetInstrument();  // S_OK always
+  for (int i = 0; i < Count();) {
+    CInstrument* instrument = At(i);
+    if (instrument) (void)instrument->ResetInstrument();  // what the hardware refuses stays
+    if (!instrument || Holds(instrument)) ++i;            // else deleted by its own handler
   }
   return S_OK;
 }

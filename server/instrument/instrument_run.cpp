@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -27,10 +26,8 @@ ModuleState ParseSequencerStatus(std::string_view text) {
 
 Status CInstrument::Run() {
   if (m_enabled == 0) return S_OK;
-  const std::weak_ptr<std::uint64_t> alive = m_stateChanges;
-  const Status status = UpdateInstrumentState();
-  if (Failed(status) || alive.expired()) return status;  // the handler may have destroyed it
-  if (m_state != ModuleState::Idle) return S_OK;
+  if (m_modules.empty()) return E_FAIL;
+  if (!RefreshState() || m_state != ModuleState::Idle) return S_OK;
   const auto hardware = Hardware();
   if (!hardware[0]) return E_FAIL;
   for (CSorrelModule* module : hardware) {
@@ -82,26 +79,30 @@ void CInstrument::TakeInIdle() const {
 
 Status CInstrument::UpdateInstrumentState() {
   if (m_modules.empty()) return E_FAIL;
+  (void)RefreshState();  // nothing of the instrument is touched after it
+  return S_OK;
+}
+
+bool CInstrument::RefreshState() {
   ModuleState state = ModuleState::Idle;
   if (m_state != ModuleState::Idle) {
     std::string text;
     if (CSorrelModule* master = HardwareAt(0)) (void)master->GetSequencerStatus(text);
     state = ParseSequencerStatus(text);
   }
-  const std::weak_ptr<std::uint64_t> alive = m_stateChanges;
-  const std::uint64_t changes = *m_stateChanges;
-  if (m_eventHandler) m_eventHandler->OnInstrumentIdle(state == ModuleState::Idle ? 1 : 0);
-  // What the handler did meanwhile stands: it may have run, stopped or destroyed the instrument.
-  if (alive.expired() || *m_stateChanges != changes) return S_OK;
-  if (m_state == ModuleState::Idle) return S_OK;
+  const std::uint64_t changes = m_stateChanges;
+  const int idle = state == ModuleState::Idle ? 1 : 0;
+  if (!Tell([idle](CEventHandler& handler) { handler.OnInstrumentIdle(idle); })) return false;
+  // What the handler did meanwhile stands: it may have run or stopped the instrument.
+  if (m_stateChanges != changes || m_state == ModuleState::Idle) return true;
   if (state == ModuleState::Idle) TakeInIdle();
   StoreState(state);
-  return S_OK;
+  return true;
 }
 
 void CInstrument::StoreState(ModuleState state) {
   m_state = state;
-  ++*m_stateChanges;
+  ++m_stateChanges;
 }
 
 Status CInstrument::GetInstrumentState(ModuleState& state) const {

@@ -112,14 +112,41 @@ TEST(InstrumentRun, WhatTheHandlerDoesWhenToldOfTheEndStands) {
 }
 
 TEST(InstrumentRun, TheHandlerMayDestroyTheInstrument) {
-  for (const bool running : {false, true}) {
-    CInstrumentFixture fixture;
-    if (running) (void)fixture.Instrument().Run();
-    fixture.Simulation().SetSequencerText(0, "IDL");
-    fixture.Simulation().LogCalls(true);
-    fixture.Handler().onAny = [&] { (void)fixture.Instruments().DeleteAll(); };
-    EXPECT_EQ(fixture.Instrument().Run(), S_OK);
-    EXPECT_THAT(fixture.Simulation().TakeCalls(), IsEmpty());
+  using F = CInstrumentFixture;
+  struct ROW {
+    const char* story;
+    std::function<Status(F&)> act;
+    Status status;
+  };
+  const ROW rows[] = {
+      {"run", [](F& f) { return f.Instrument().Run(); }, S_OK},
+      {"default", [](F& f) { return f.Instrument().Default(); }, E_FAIL},
+      {"default module", [](F& f) { return f.Server().DefaultModule(); }, E_FAIL},
+      {"reset", [](F& f) { return f.Instrument().ResetInstrument(); }, E_FAIL},
+      {"reset all",
+       [](F& f) {
+         auto next = std::make_unique<CInstrument>();
+         CRecordingEventHandler told;
+         (void)next->SetEventHandler(&told);
+         (void)f.Instruments().AddInstrument(next.release());
+         const Status status = f.Instruments().ReInitialize();
+         EXPECT_THAT(told.events, ElementsAre("OnInstrumentReset()"));
+         return status;
+       },
+       S_OK},
+  };
+  for (const ROW& row : rows) {
+    for (const bool running : {false, true}) {
+      SCOPED_TRACE(row.story);
+      F fixture;
+      if (running) (void)fixture.Instrument().Run();
+      (void)fixture.Instruments().SetCurrentInst(0);
+      fixture.Simulation().SetSequencerText(0, "IDL");
+      fixture.Simulation().LogCalls(true);
+      fixture.Handler().onAny = [&] { (void)fixture.Instruments().DeleteInstrument("PG 1"); };
+      EXPECT_EQ(row.act(fixture), row.status);
+      EXPECT_THAT(fixture.Simulation().TakeCalls(), IsEmpty());
+    }
   }
 }
 
