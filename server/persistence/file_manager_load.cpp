@@ -5,12 +5,18 @@
 #include "base/guard.h"
 #include "base/text.h"
 #include "hardware/module_manager.h"
+#include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
 #include "persistence/file_manager.h"
 #include "persistence/fixed_section.h"
 #include "persistence/input_file.h"
-#include "persistence/program_parts.h"
 #include "persistence/work_mark.h"
+#include "program/block_manager.h"
+#include "program/event_manager.h"
+#include "program/group_manager.h"
+#include "program/program_view.h"
+#include "program/sequence_manager.h"
+#include "program/subsequence_manager.h"
 #include "quillpg/app_server.h"
 #include "quillpg/host_services.h"
 
@@ -88,7 +94,7 @@ Status CFileManager::LoadInstrument(CInstrument* instrument) {
         m_reader->SetForm(form);
         Status status = instrument->Read(*m_reader, m_fixedSection->programDataSaved);
         if (status != S_OK) return status;
-        status = PROGRAM_PARTS(*instrument).groups->Read(*m_reader);
+        status = CProgramView(*instrument).Groups()->Read(*m_reader);
         if (status != S_OK) return status;
         (void)SetProgressBarMessage(0);
         return ReadProgram(*instrument);
@@ -99,20 +105,20 @@ Status CFileManager::LoadInstrument(CInstrument* instrument) {
 // A file without programs leaves all lists empty. Failures behind the blocks are not reported
 // (deliberate); the reader gives nothing to what follows them.
 Status CFileManager::ReadProgram(CInstrument& instrument) {
-  const PROGRAM_PARTS parts(instrument);
+  const CProgramView program(instrument);
   const bool programs = m_fixedSection->programDataSaved != 0;
   const auto read = [&](auto& manager) {
     (void)manager.DeleteAll();
     return programs ? manager.Read(*m_reader) : S_OK;
   };
-  const Status status = read(*parts.blocks);
+  const Status status = read(*program.Blocks());
   if (status != S_OK) return status;
   (void)SetProgressBarMessage(25);
-  (void)read(*parts.sequence);
+  (void)read(*program.Sequence());
   (void)SetProgressBarMessage(50);
-  (void)read(*parts.subSequences);
+  (void)read(*program.SubSequences());
   (void)SetProgressBarMessage(75);
-  (void)read(*parts.events);
+  (void)read(*program.Events());
   return SetProgressBarMessage(100);
 }
 

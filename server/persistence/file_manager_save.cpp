@@ -7,11 +7,17 @@
 #include "base/local_time.h"
 #include "hardware/module.h"
 #include "hardware/module_manager.h"
+#include "instrument/instrument.h"
 #include "instrument/instrument_manager.h"
 #include "persistence/file_manager.h"
 #include "persistence/fixed_section.h"
-#include "persistence/program_parts.h"
 #include "persistence/work_mark.h"
+#include "program/block_manager.h"
+#include "program/event_manager.h"
+#include "program/group_manager.h"
+#include "program/program_view.h"
+#include "program/sequence_manager.h"
+#include "program/subsequence_manager.h"
 #include "quillpg/app_server.h"
 #include "quillpg/host_services.h"
 
@@ -178,7 +184,7 @@ Status CFileManager::SaveInstrument(CInstrument* instrument) {
   return GuardAllocation([&] {
     Status status = instrument->Write(*m_writer);
     if (status != S_OK) return status;
-    status = PROGRAM_PARTS(*instrument).groups->Write(*m_writer);
+    status = CProgramView(*instrument).Groups()->Write(*m_writer);
     if (status != S_OK) return status;
     (void)SetProgressBarMessage(0);
     return m_programDataFlag != 0 ? WriteProgram(*instrument) : S_OK;
@@ -186,16 +192,16 @@ Status CFileManager::SaveInstrument(CInstrument* instrument) {
 }
 
 Status CFileManager::WriteProgram(const CInstrument& instrument) {
-  const PROGRAM_PARTS parts(instrument);
+  const CProgramView program(instrument);
   const auto write = [this](const auto& manager, int percent) {
     const Status status = manager.Write(*m_writer);
     if (status == S_OK) (void)SetProgressBarMessage(percent);
     return status;
   };
-  Status status = write(*parts.blocks, 25);
-  if (status == S_OK) status = write(*parts.sequence, 50);
-  if (status == S_OK) status = write(*parts.subSequences, 75);
-  if (status == S_OK) status = write(*parts.events, 100);
+  Status status = write(*program.Blocks(), 25);
+  if (status == S_OK) status = write(*program.Sequence(), 50);
+  if (status == S_OK) status = write(*program.SubSequences(), 75);
+  if (status == S_OK) status = write(*program.Events(), 100);
   return status;
 }
 

@@ -3,13 +3,15 @@
 #include "instrument/instrument.h"
 #include "program/block_manager.h"
 #include "program/event_manager.h"
+#include "program/group_manager.h"
 #include "program/sequence_manager.h"
 #include "program/subsequence_manager.h"
 
 namespace quillpg {
 
 CProgramView::CProgramView(const CInstrument& instrument) {
-  (void)instrument.GetBlockManager(&m_blocks);  // accessors of owned objects, they cannot fail
+  (void)instrument.GetGroupManager(&m_groups);  // accessors of owned objects, they cannot fail
+  (void)instrument.GetBlockManager(&m_blocks);
   (void)instrument.GetSequenceManager(&m_sequence);
   (void)instrument.GetSubSequenceManager(&m_subSequences);
   (void)instrument.GetEventManager(&m_events);
@@ -20,7 +22,13 @@ CProgramView::REVISIONS CProgramView::Revisions() const {
           m_subSequences ? m_subSequences->Revision() : 0, m_events ? m_events->Revision() : 0};
 }
 
-// The managers' fetches answer S_OK with null for a bad position: the pointer tells it.
+// The managers' fetches give null for a bad position: the pointer tells it.
+
+int CProgramView::GroupCount() const {
+  int count = 0;
+  if (m_groups) (void)m_groups->GetNoOfGroups(count);
+  return count;
+}
 
 int CProgramView::BlockCount() const {
   int count = 0;
@@ -44,6 +52,12 @@ int CProgramView::EventCount() const {
   int count = 0;
   if (m_events) (void)m_events->GetNoOfEvents(count);
   return count;
+}
+
+GROUP* CProgramView::GroupAt(int index) const {
+  GROUP* group = nullptr;
+  if (m_groups) (void)m_groups->GetGroup(index, &group);
+  return group;
 }
 
 BLOCK* CProgramView::BlockAt(int index) const {

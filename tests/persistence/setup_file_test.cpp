@@ -99,7 +99,7 @@ class CReferenceSystem : public CSavedSystem {
     for (int i = 0; CInstrument* instrument = Instrument(i); ++i) {
       const CProgramView program(*instrument);
       visit(*instrument);
-      visit(*Find(*instrument, &CInstrument::GetGroupManager));
+      visit(*program.Groups());
       if (section.programDataSaved == 0) continue;
       visit(*program.Blocks());
       visit(*program.Sequence());

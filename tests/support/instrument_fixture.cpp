@@ -61,12 +61,10 @@ CInstrumentFixture::CInstrumentFixture(int modules, bool option) : CEngineFixtur
 
 CInstrumentFixture::~CInstrumentFixture() { (void)Instruments().DeleteAll(); }
 
-CGroupManager& CInstrumentFixture::Groups() {
-  return *Find(*m_instrument, &CInstrument::GetGroupManager);
-}
+CGroupManager& CInstrumentFixture::Groups() { return *CProgramView(*m_instrument).Groups(); }
 CBlockManager& CInstrumentFixture::Blocks() { return *CProgramView(*m_instrument).Blocks(); }
 BLOCK& CInstrumentFixture::BlockAt(int index) {
-  return *Find(Blocks(), &CBlockManager::GetBlock, index);
+  return *CProgramView(*m_instrument).BlockAt(index);
 }
 CSequenceManager& CInstrumentFixture::Sequence() { return *CProgramView(*m_instrument).Sequence(); }
 CSubSequenceManager& CInstrumentFixture::SubSequences() {

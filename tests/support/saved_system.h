@@ -35,10 +35,9 @@ class CSavedSystem : public CEngineFixture {
   /// "groups/blocks/lines/subsequences/events" of an instrument.
   std::string Counts(int position) {
     const CProgramView program(*Instrument(position));
-    const auto& groups = *Find(*Instrument(position), &CInstrument::GetGroupManager);
     return FormatText("%d/%d/%d/%d/%d",
-                      {Ask(groups, &CGroupManager::GetNoOfGroups), program.BlockCount(),
-                       program.LineCount(), program.SubSequenceCount(), program.EventCount()});
+                      {program.GroupCount(), program.BlockCount(), program.LineCount(),
+                       program.SubSequenceCount(), program.EventCount()});
   }
   /// Channel 0, vectors 0 to 7 of the instrument's first block, which Fill makes its number.
   std::string Data(int position) {
