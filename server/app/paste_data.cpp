@@ -28,11 +28,14 @@ int RoomFrom(int first, int count) { return first >= 0 && first < count ? count 
 // Vectors that move between two blocks.
 class CVectorPaste {
  public:
-  // Instruments, blocks and the range of vectors.
+  // Looks instruments, blocks and the range of vectors up: anew after every box, since the front
+  // end may change the system while the box stands.
   Status Prepare(const CClipboardInfo& info, const CInstrumentManager* instruments);
 
   CInstrument& Source() const { return *m_sides.source; }
   CInstrument& Target() const { return *m_sides.target; }
+  const std::string& SourceBlock() const { return m_from->GetBlockName(); }
+  const std::string& TargetBlock() const { return m_to->GetBlockName(); }
 
   // Has the values of `source` written to `target`, last channel to last channel; the target's
   // surplus channels are cleared. Both must stay until Write.
@@ -108,18 +111,6 @@ void CVectorPaste::WriteVectors(const std::uint8_t* from) {
   }
 }
 
-CGroupManager& GroupsOf(const CInstrument& instrument) {
-  CGroupManager* groups = nullptr;
-  (void)instrument.GetGroupManager(&groups);  // an accessor of an owned object
-  return *groups;
-}
-
-int CountGroups(const CInstrument& instrument) {
-  int count = 0;
-  (void)GroupsOf(instrument).GetNoOfGroups(count);
-  return count;
-}
-
 struct GROUP_PAIR {
   GROUP* source = nullptr;
   GROUP* target = nullptr;
@@ -127,20 +118,45 @@ struct GROUP_PAIR {
   bool Differs() const { return source->GetNoOfChannels() != target->GetNoOfChannels(); }
 };
 
+using GROUP_PAIRS = std::vector<GROUP_PAIR>;
+
 // The groups from `sourceFirst` and `targetFirst` on, position by position.
 Status PairGroups(const CVectorPaste& paste, int sourceFirst, int targetFirst, int count,
-                  std::vector<GROUP_PAIR>& pairs) {
+                  GROUP_PAIRS& pairs) {
+  pairs.clear();
   for (int i = 0; i < count; ++i) {
     GROUP_PAIR pair;
-    (void)GroupsOf(paste.Source()).GetGroup(sourceFirst + i, &pair.source);
-    (void)GroupsOf(paste.Target()).GetGroup(targetFirst + i, &pair.target);
+    pair.source = CProgramView(paste.Source()).GroupAt(sourceFirst + i);
+    pair.target = CProgramView(paste.Target()).GroupAt(targetFirst + i);
     if (!pair.source || !pair.target) return PasteObjectMissing();
     pairs.push_back(pair);
   }
   return S_OK;
 }
 
-Status WritePairs(CVectorPaste& paste, const std::vector<GROUP_PAIR>& pairs) {
+// What tells the blocks and groups of a paste from others.
+std::vector<std::string> NamesOf(const CVectorPaste& paste, const GROUP_PAIRS& pairs) {
+  std::vector<std::string> names = {paste.SourceBlock(), paste.TargetBlock()};
+  for (const GROUP_PAIR& pair : pairs) {
+    names.push_back(pair.source->GetGroupName());
+    names.push_back(pair.target->GetGroupName());
+  }
+  return names;
+}
+
+// Asks the user, then has `find()` look all up anew. What the user agreed to holds for the blocks
+// and groups that were there: refuses when they are others now.
+template <typename Question, typename Find>
+Status Confirm(const Question& question, const CVectorPaste& paste, const GROUP_PAIRS& pairs,
+               Find&& find) {
+  const std::vector<std::string> names = NamesOf(paste, pairs);
+  if (!CMessageService::Ask(question)) return PG_E_ABORTED;
+  const Status status = find();
+  if (Failed(status)) return status;
+  return NamesOf(paste, pairs) == names ? S_OK : PasteObjectMissing();
+}
+
+Status WritePairs(CVectorPaste& paste, const GROUP_PAIRS& pairs) {
   for (const GROUP_PAIR& pair : pairs) paste.Add(pair.source->Plan(), pair.target->Plan());
   return paste.Write();
 }
@@ -156,41 +172,46 @@ CGroupPlan PlanOf(int first, int count) {
 
 Status CAppServer::PasteRows(CClipboardInfo* info) {
   CVectorPaste paste;
-  Status status = paste.Prepare(*info, m_instrumentManager.get());
-  if (Failed(status)) return status;
-  const int groups = CountGroups(paste.Source());
-  if (groups != CountGroups(paste.Target())) return RefusePaste(MSG_COLUMN_COUNT_MISMATCH);
-  std::vector<GROUP_PAIR> pairs;
-  status = PairGroups(paste, 0, 0, groups, pairs);
-  if (Failed(status)) return status;
-  if (std::ranges::any_of(pairs, &GROUP_PAIR::Differs) &&
-      !CMessageService::Ask(MSG_ROW_SIZE_MISMATCH)) {
-    return PG_E_ABORTED;
-  }
-  return WritePairs(paste, pairs);
+  GROUP_PAIRS pairs;
+  const auto find = [&] {
+    const Status status = paste.Prepare(*info, m_instrumentManager.get());
+    if (Failed(status)) return status;
+    const int groups = CProgramView(paste.Source()).GroupCount();
+    if (groups != CProgramView(paste.Target()).GroupCount())
+      return RefusePaste(MSG_COLUMN_COUNT_MISMATCH);
+    return PairGroups(paste, 0, 0, groups, pairs);
+  };
+  Status status = find();
+  if (!Failed(status) && std::ranges::any_of(pairs, &GROUP_PAIR::Differs))
+    status = Confirm(MSG_ROW_SIZE_MISMATCH, paste, pairs, find);
+  return Failed(status) ? status : WritePairs(paste, pairs);
 }
 
 Status CAppServer::PasteColumn(CClipboardInfo* info) {
   CVectorPaste paste;
-  Status status = paste.Prepare(*info, m_instrumentManager.get());
-  if (Failed(status)) return status;
-  PASTE_RANGE columns;
-  status =
-      columns.Set(info->sourceFirstColumn, info->sourceLastColumn, CountGroups(paste.Source()));
-  const int room = RoomFrom(info->targetFirstColumn, CountGroups(paste.Target()));
-  if (Failed(status) || room == 0) return E_FAIL;
-  std::vector<GROUP_PAIR> pairs;
-  status = PairGroups(paste, columns.first, info->targetFirstColumn, std::min(columns.count, room),
+  GROUP_PAIRS pairs;
+  const auto find = [&] {
+    const Status status = paste.Prepare(*info, m_instrumentManager.get());
+    if (Failed(status)) return status;
+    PASTE_RANGE columns;
+    const Status ranged = columns.Set(info->sourceFirstColumn, info->sourceLastColumn,
+                                      CProgramView(paste.Source()).GroupCount());
+    const int room = RoomFrom(info->targetFirstColumn, CProgramView(paste.Target()).GroupCount());
+    if (Failed(ranged) || room == 0) return E_FAIL;
+    return PairGroups(paste, columns.first, info->targetFirstColumn, std::min(columns.count, room),
                       pairs);
+  };
+  Status status = find();
   if (Failed(status)) return status;
   const std::string question = CMessageService::Text(MSG_COLUMN_SIZE_MISMATCH);
-  for (const GROUP_PAIR& pair : pairs) {
+  for (std::size_t i = 0; !Failed(status) && i < pairs.size(); ++i) {
+    const GROUP_PAIR& pair = pairs[i];
     if (!pair.Differs()) continue;
-    const std::string text =
-        FormatText(question, {pair.source->GetGroupName(), pair.target->GetGroupName()});
-    if (!CMessageService::Ask(text)) return PG_E_ABORTED;
+    status =
+        Confirm(FormatText(question, {pair.source->GetGroupName(), pair.target->GetGroupName()}),
+                paste, pairs, find);
   }
-  return WritePairs(paste, pairs);
+  return Failed(status) ? status : WritePairs(paste, pairs);
 }
 
 Status CAppServer::PasteChannelCol(CClipboardInfo* info) {

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <tuple>
 #include <utility>
 
@@ -41,7 +42,7 @@ class Paste : public ::testing::Test, public CEngineFixture {
   CInstrument& A(int position = 0) { return *Instrument(position); }
   CInstrument& B() { return A(1); }
   static CGroupManager& GroupsOf(CInstrument& instrument) {
-    return *Find(instrument, &CInstrument::GetGroupManager);
+    return *CProgramView(instrument).Groups();
   }
 
   Status Run(ContentType type, int first, int last) {
@@ -337,6 +338,53 @@ TEST_F(PasteData, WritesColumnsAfterAllQuestions) {
   EXPECT_EQ(Run(ContentType::GroupColumn, 0, 1), S_OK);
   EXPECT_EQ(Values(B(), 1, 0, 4), "0000 0011 0022 0000 ");
   EXPECT_THAT(m_handler.Take(), ElementsAre("OnPatternDataChanged(0)"));
+}
+
+// The front end runs while a box stands: nothing may be written to what it removes then.
+TEST_F(PasteData, LooksEverythingUpAgainAfterABox) {
+  struct ROW {
+    const char* story;
+    std::function<void()> act;
+    Status status;
+  };
+  const ROW rows[] = {
+      {"the target shrinks", [&] { (void)CProgramView(B()).BlockAt(0)->ResizeBlock(2, 0); }, S_OK},
+      {"the source shrinks", [&] { (void)CProgramView(A()).BlockAt(0)->ResizeBlock(2, 0); },
+       E_FAIL},
+      {"the groups move up",
+       [&] {
+         for (CInstrument* instrument : {&A(), &B()}) (void)GroupsOf(*instrument).DeleteGroup(0);
+       },
+       E_FAIL},
+      {"the last target group goes", [&] { (void)GroupsOf(B()).DeleteGroup(1); }, E_FAIL},
+      {"the blocks move up", [&] { (void)CProgramView(B()).Blocks()->DeleteBlock(0, 1); }, E_FAIL},
+      {"the target's data goes", [&] { (void)CProgramView(B()).Blocks()->DeleteAll(); }, E_FAIL},
+      {"the target goes", [&] { (void)Instruments().DeleteInstrumentAt(1); }, E_FAIL},
+  };
+  info.targetFirst = info.targetFirstColumn = info.sourceFirstColumn = 0;
+  info.sourceLastColumn = 1;
+  for (const ROW& row : rows) {
+    for (const ContentType type : {ContentType::Rows, ContentType::GroupColumn}) {
+      SCOPED_TRACE(FormatText("%s %d", {row.story, static_cast<int>(type)}));
+      (void)Server().DefaultSystem();
+      m_source.instrument = &A();
+      m_target.instrument = &B();
+      for (CInstrument* instrument : {&A(), &B()}) {
+        (void)GroupsOf(*instrument).DeleteAll();
+        CProgramBuilder(*instrument).Block("a", 40).Block("b", 40);
+      }
+      Group(A(), "Lo", 0, 8);
+      Group(A(), "Hi", 20, 12);
+      Group(B(), "One", 40, 4);
+      Group(B(), "Two", 0, 16);
+      (void)B().SetEventHandler(&m_handler);
+      Host().onBox = row.act;
+      EXPECT_EQ(Run(type, 0, 39), row.status);
+      Host().onBox = nullptr;
+      const bool written = row.status == S_OK;
+      EXPECT_THAT(m_handler.Take(), Contains("OnPatternDataChanged(0)").Times(written ? 1 : 0));
+    }
+  }
 }
 
 TEST_F(PasteData, WritesChannelColumns) {

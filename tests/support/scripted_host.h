@@ -22,6 +22,7 @@ class CScriptedHost : public CHostServices {
 
   int ShowBox(const std::string& text, int style, int helpContext, int defaultAnswer) override {
     boxes.push_back({text, style, helpContext, defaultAnswer});
+    if (onBox) onBox();
     if (answers.empty()) return defaultAnswer;
     const int answer = answers.front();
     answers.erase(answers.begin());
@@ -64,6 +65,7 @@ class CScriptedHost : public CHostServices {
   std::vector<BOX> boxes;
   std::vector<int> answers;  ///< given in order; the default answer when none is left
   std::map<int, std::string> texts;
+  std::function<void()> onBox;  ///< runs while a box stands
   std::function<void()> onYield;
   std::function<bool(VERSION_RESOURCE&)> versionResource;
   std::string executableDirectory;
