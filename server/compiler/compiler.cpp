@@ -1,7 +1,5 @@
 #include "compiler/compiler.h"
 
-#include "app/message_catalogue.h"
-#include "app/message_service.h"
 #include "base/guard.h"
 #include "base/text.h"
 #include "instrument/instrument.h"
@@ -23,18 +21,6 @@ namespace {
 // Flags of an output line: an empty line with the first clears the window.
 constexpr int kClearWindow = 0;
 constexpr int kAppendLine = 1;
-
-std::string NameOf(const CInstrument& instrument) {
-  std::string name;
-  (void)instrument.GetInstrumentName(name);  // a stored value, cannot fail
-  return name;
-}
-
-bool IsEnabled(const CInstrument& instrument) {
-  int enabled = 0;
-  (void)instrument.IsInstrumentEnabled(enabled);  // a stored value, cannot fail
-  return enabled != 0;
-}
 
 }  // namespace
 
@@ -91,7 +77,7 @@ Status CCompiler::CompileInstrument() {
 
 void CCompiler::Clear() {
   SetMessage("", kClearWindow);
-  m_abort = false;
+  (void)ResetAbort();
   m_errors = 0;
   m_warnings = 0;
   m_outputLines = 0;
@@ -103,7 +89,7 @@ void CCompiler::Clear() {
 void CCompiler::PrepareToCompile(int position, CInstrument& instrument) {
   m_work.Open(*m_instruments, instrument, position);
   m_place.instrumentIndex = position;
-  m_place.instrumentName = NameOf(instrument);
+  m_place.instrumentName = InstrumentName(instrument);
   const std::string title = FormatText("Compiling %s...", {m_place.instrumentName});
   SetMessage(title, kAppendLine);
   SetProgressTitle(title);
@@ -114,16 +100,6 @@ void CCompiler::CompilationOver(Status status) {
                  ? "Compilation Aborted..."
                  : FormatText("%d error(s), %d warning(s)...", {m_errors, m_warnings}),
              kAppendLine);
-}
-
-Status CCompiler::AbortOperation() {
-  m_abort = true;
-  return S_OK;
-}
-
-Status CCompiler::ResetAbort() {
-  m_abort = false;
-  return S_OK;
 }
 
 // --- the walk ------------------------------------------------------------------------------------
@@ -137,16 +113,11 @@ void CCompiler::BeginCheck(Section section, int firstLine, std::string_view what
 }
 
 Status CCompiler::AfterObject(int index, int count) {
-  if (!m_work.Yield()) return ReportMissingObject();
+  if (!m_work.Yield()) return ReportMissing(PG_E_INTERNAL);
   m_place.instrumentIndex = m_work.Position();
   (void)m_server->GetMessageRouter(&m_router);  // anew: it may have been replaced
-  if (count > 0) SetProgressStatus(static_cast<int>(std::int64_t{index} * 100 / count));
+  ReportProgress(index, count);
   return S_OK;
-}
-
-Status CCompiler::ReportMissingObject() {
-  CMessageService::Notice(MSG_INTERNAL_ERROR);
-  return PG_E_INTERNAL;
 }
 
 // --- findings ------------------------------------------------------------------------------------
@@ -201,18 +172,6 @@ void CCompiler::SetMessage(const std::string& text, int flag) {
 
 void CCompiler::SetEmptyMessage(int count) {
   for (int i = 0; i < count; ++i) SetMessage("", kAppendLine);
-}
-
-void CCompiler::SetProgressMessage(const std::string& text) {
-  if (m_router) m_router->SetProgressMessage(text);
-}
-
-void CCompiler::SetProgressTitle(const std::string& text) {
-  if (m_router) m_router->SetProgressTitle(text);
-}
-
-void CCompiler::SetProgressStatus(int percent) {
-  if (m_router) m_router->SetProgressStatus(percent);
 }
 
 }  // namespace quillpg

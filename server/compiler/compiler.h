@@ -2,7 +2,7 @@
 
 #include "compiler/compile_error_info.h"
 #include "compiler/finding_text.h"
-#include "instrument/program_work.h"
+#include "instrument/program_operation.h"
 #include "quillpg/api.h"
 #include "quillpg/result_codes.h"
 
@@ -15,7 +15,6 @@ namespace quillpg {
 class CAppServer;
 class CInstrument;
 class CInstrumentManager;
-class CMessageRouter;
 struct BLOCK;
 struct EVENT;
 struct SEQUENCE_LINE;
@@ -27,23 +26,15 @@ struct SUBSEQUENCE;
 ///
 /// The checks hand control to the front end after each object. It may then abort the run, edit the
 /// program or delete the instrument; a nested compile or download is refused.
-class QUILLPG_API CCompiler {
+/// AbortOperation ends a running compile at the next object; a run clears the request at its start.
+class QUILLPG_API CCompiler : public CProgramOperation {
  public:
-  CCompiler() = default;
-  CCompiler(const CCompiler&) = delete;
-  CCompiler& operator=(const CCompiler&) = delete;
-  virtual ~CCompiler() = default;
-
   /// Refers to `server` and loads the texts of the findings; E_FAIL for null.
   Status Initialize(CAppServer* server);
 
   /// S_OK when no error was found (warnings do not count), E_FAIL when one was, PG_E_ABORTED.
   /// E_FAIL with nothing touched while a compile or download runs.
   Status Compile();
-
-  /// Ends a running compile at the next object; a run clears the request at its start.
-  Status AbortOperation();
-  Status ResetAbort();
 
   /// Counts of the last run.
   Status GetNoOfErrors(int& count) const;
@@ -76,12 +67,10 @@ class QUILLPG_API CCompiler {
   void PrepareToCompile(int position, CInstrument& instrument);
   void CompilationOver(Status status);
 
-  // To the front end's router; nothing happens, and no output line is counted, without one.
+  // To the front end's router, which is held during one Compile, so that it is never a stale one.
+  // Nothing happens, and no output line is counted, without one.
   void SetMessage(const std::string& text, int flag);
   void SetEmptyMessage(int count);
-  void SetProgressMessage(const std::string& text);
-  void SetProgressTitle(const std::string& text);
-  void SetProgressStatus(int percent);
 
  private:
   // Ties a line of the output window to a record.
@@ -94,7 +83,6 @@ class QUILLPG_API CCompiler {
   Status CompileInstrument();
   void BeginCheck(Section section, int firstLine, std::string_view what);
   Status AfterObject(int index, int count);
-  static Status ReportMissingObject();
 
   // Walks a list of the program by position, since it may change at every yield: tests for an
   // abort, looks the object up, runs `check(index, object)`, yields.
@@ -118,19 +106,15 @@ class QUILLPG_API CCompiler {
 
   CAppServer* m_server = nullptr;
   CInstrumentManager* m_instruments = nullptr;
-  CMessageRouter* m_router = nullptr;  // held during one Compile, so that it is never a stale one
   CFindingText m_text;
 
   int m_errors = 0;
   int m_warnings = 0;
   int m_outputLines = 0;
-  bool m_abort = false;
   std::vector<KEY> m_keys;  // in rising order of output lines
   std::vector<CompileErrorInfo> m_records;
 
-  // What is being checked, and the place where the next finding lies.
-  CProgramWork m_work;
-  CompileErrorInfo m_place;
+  CompileErrorInfo m_place;  // where the next finding lies
 };
 
 template <typename T, typename Check>
@@ -138,9 +122,9 @@ Status CCompiler::ForEachObject(int (CProgramView::*countOf)() const,
                                 T* (CProgramView::*objectAt)(int) const, int firstLine,
                                 Check check) {
   for (int i = 0; i < (m_work.Program().*countOf)(); ++i) {
-    if (m_abort) return PG_E_ABORTED;
+    if (AbortRequested()) return PG_E_ABORTED;
     T* object = (m_work.Program().*objectAt)(i);
-    if (!object) return ReportMissingObject();
+    if (!object) return ReportMissing(PG_E_INTERNAL);
     m_place.line = firstLine + i;
     Status status = check(i, *object);
     if (status == S_OK) status = AfterObject(i, (m_work.Program().*countOf)());

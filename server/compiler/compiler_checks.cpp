@@ -235,7 +235,7 @@ Status CCompiler::CompileSubSeqDefinition(int index, const SUBSEQUENCE& subSeque
   for (int i = 0; i < count; ++i) {
     SUBSEQUENCE_LINE* line = nullptr;
     (void)subSequence.GetSubSequenceLine(i, &line);  // the pointer tells
-    if (!line) return ReportMissingObject();
+    if (!line) return ReportMissing(PG_E_INTERNAL);
     m_place.line = kFirstLine + i;
     const std::string& block = line->GetOutput();
     if (block.empty()) {

@@ -14,7 +14,6 @@
 #include "program/subsequence_manager.h"
 #include "quillpg/app_server.h"
 #include "quillpg/host_services.h"
-#include "quillpg/message_router.h"
 
 #include <array>
 
@@ -36,12 +35,6 @@ CInstrumentManager* Instruments() {
   return instruments;
 }
 
-bool IsEnabled(const CInstrument& instrument) {
-  int enabled = 0;
-  (void)instrument.IsInstrumentEnabled(enabled);  // a stored value, cannot fail
-  return enabled != 0;
-}
-
 // Records hold positions of blocks and subsequences and lengths of lists: whoever refers to what
 // changed must be sent again.
 void PassModifiedOn(const CProgramView& program) {
@@ -61,7 +54,7 @@ Status CServer2HAL::SendAll() {
   const CBusyMark busy(*instruments);
   if (!busy.Taken()) return E_FAIL;
   const CWaitCursor cursor;
-  m_abort = false;
+  (void)ResetAbort();
   const Status status = GuardAllocation([&] { return SendAllInstruments(*instruments); });
   m_work.Close();
   return status;
@@ -92,8 +85,7 @@ Status CServer2HAL::SendInstrument() {
        {MSG_LOADING_SUBSEQUENCES, &CServer2HAL::SendSubSequences},
        {MSG_LOADING_SEQUENCE, &CServer2HAL::SendSequence},
        {MSG_LOADING_PATTERN_DATA, &CServer2HAL::SendBlocks}}};
-  std::string name;
-  (void)m_work.Instrument()->GetInstrumentName(name);  // a stored value, cannot fail
+  const std::string name = InstrumentName(*m_work.Instrument());
   const auto tell = [&name](int message) {
     if (CAppServer* server = Server())
       server->SetStatusMessage(name + ":" + CMessageService::Text(message));
@@ -139,16 +131,6 @@ Status CServer2HAL::SendBlockData(CInstrument* instrument) {
   return RunStep(instrument, &CServer2HAL::SendBlocks);
 }
 
-Status CServer2HAL::AbortOperation() {
-  m_abort = true;
-  return S_OK;
-}
-
-Status CServer2HAL::ResetAbort() {
-  m_abort = false;
-  return S_OK;
-}
-
 // --- what all steps use --------------------------------------------------------------------------
 
 int CServer2HAL::ModuleCount() const {
@@ -167,26 +149,13 @@ CSorrelModule* CServer2HAL::HardwareAt(int module) const {
 // False when the instrument is gone.
 bool CServer2HAL::YieldAndReport(int index, int count) {
   if (!m_work.Yield()) return false;
-  if (count > 0) SetProgressStatus(static_cast<int>(std::int64_t{index} * 100 / count));
+  ReportProgress(index, count);
   return true;
-}
-
-Status CServer2HAL::ReportMissing(Status status) {
-  CMessageService::Notice(MSG_INTERNAL_ERROR);
-  return status;
 }
 
 Status CServer2HAL::SetMessageRouter(CMessageRouter* router) {
   m_router = router;
   return S_OK;
-}
-
-void CServer2HAL::SetProgressTitle(const std::string& text) {
-  if (m_router) m_router->SetProgressTitle(text);
-}
-
-void CServer2HAL::SetProgressStatus(int percent) {
-  if (m_router) m_router->SetProgressStatus(percent);
 }
 
 }  // namespace quillpg

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "instrument/program_work.h"
+#include "instrument/program_operation.h"
 #include "quillpg/api.h"
 #include "quillpg/engine_types.h"
 #include "quillpg/result_codes.h"
@@ -13,7 +13,6 @@ namespace quillpg {
 
 class CInstrument;
 class CInstrumentManager;
-class CMessageRouter;
 class CSorrelModule;
 struct PACK_RUN;
 
@@ -23,12 +22,10 @@ struct PACK_RUN;
 /// Control goes to the front end after each object. It may then abort the download, edit the
 /// program (what it edits is sent next time) or delete the instrument; a nested compile or download
 /// is refused. Nothing is sent to modules without hardware.
-class QUILLPG_API CServer2HAL {
+/// AbortOperation ends a running download at the next line, block or group of pattern words.
+class QUILLPG_API CServer2HAL : public CProgramOperation {
  public:
   CServer2HAL();
-  CServer2HAL(const CServer2HAL&) = delete;
-  CServer2HAL& operator=(const CServer2HAL&) = delete;
-  virtual ~CServer2HAL() = default;
 
   /// S_OK, also when a step failed (the others are sent all the same), or PG_E_ABORTED; what was
   /// not sent stays marked and is sent next time. Clears an earlier abort request at its start.
@@ -48,10 +45,6 @@ class QUILLPG_API CServer2HAL {
   /// A modified list replaces all blocks in the modules. Otherwise the blocks that were edited are
   /// sent again, which relies on the modules still holding them.
   Status SendBlockData(CInstrument* instrument);
-
-  /// Ends a running download at the next line, block or group of pattern words.
-  Status AbortOperation();
-  Status ResetAbort();
 
   /// Referenced; null drops the progress reports.
   Status SetMessageRouter(CMessageRouter* router);
@@ -83,14 +76,8 @@ class QUILLPG_API CServer2HAL {
   int ModuleCount() const;
   CSorrelModule* HardwareAt(int module) const;
   bool YieldAndReport(int index, int count);
-  static Status ReportMissing(Status status);
-  void SetProgressTitle(const std::string& text);
-  void SetProgressStatus(int percent);
 
-  bool m_abort = false;
-  CMessageRouter* m_router = nullptr;
   std::vector<std::uint16_t> m_words;  // of one transfer to one module
-  CProgramWork m_work;
 };
 
 }  // namespace quillpg

@@ -47,7 +47,7 @@ Status CServer2HAL::CreateBlocks() {
   for (int module = 0; module < ModuleCount(); ++module) {
     if (CSorrelModule* hardware = HardwareAt(module)) (void)hardware->DeleteAllBlocks();
     for (int i = 0; i < m_work.Program().BlockCount(); ++i) {
-      if (m_abort) return PG_E_ABORTED;
+      if (AbortRequested()) return PG_E_ABORTED;
       BLOCK* block = m_work.Program().BlockAt(i);
       if (!block) return ReportMissing(PG_E_INTERNAL);
       (void)block->SetChanged(1);  // a plain store
@@ -72,14 +72,14 @@ Status CServer2HAL::SendChangedBlocks() {
       if (block) (void)block->SetChanged(1);
       return status;
     }
-    SetProgressStatus(static_cast<int>(std::int64_t{i} * 100 / count));
+    ReportProgress(i, count);
   }
   return S_OK;
 }
 
 // S_OK also for a block that the library refused: the next one may fare better.
 Status CServer2HAL::SendBlock(int index) {
-  if (m_abort) return PG_E_ABORTED;
+  if (AbortRequested()) return PG_E_ABORTED;
   const ChannelMode mode = ModeOf(*m_work.Instrument());
   const int size = m_work.Program().BlockAt(index)->GetBlockSize();
   for (const PACK_RUN& run : SplitIntoRuns(mode, size)) {
@@ -120,7 +120,7 @@ Status CServer2HAL::PackRun(int block, ChannelMode mode, const PACK_RUN& run, in
                 std::span(m_words).subspan(static_cast<std::size_t>(done) *
                                            static_cast<std::size_t>(packer.WordsPerGroup())));
     for (int i = 0; i < batch; ++i) {
-      if (m_abort) return PG_E_ABORTED;
+      if (AbortRequested()) return PG_E_ABORTED;
       if (!m_work.Yield()) return ReportMissing(PG_E_INTERNAL);
     }
   }

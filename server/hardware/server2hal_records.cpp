@@ -141,7 +141,7 @@ Status CServer2HAL::SendSubSequence(int index, int module) {
   SUBSEQUENCE* subSequence = m_work.Program().SubSequenceAt(index);
   if (!subSequence) return ReportMissing(E_FAIL);
   for (int i = 0; i < subSequence->GetNoOfSubSequenceLines(); ++i) {
-    if (m_abort) return PG_E_ABORTED;
+    if (AbortRequested()) return PG_E_ABORTED;
     SUBSEQUENCE_LINE* line = nullptr;
     (void)subSequence->GetSubSequenceLine(i, &line);  // the pointer tells
     if (!line) return ReportMissing(E_FAIL);
@@ -175,7 +175,7 @@ Status CServer2HAL::SendSequence() {
 Status CServer2HAL::SendSequenceTo(int module) {
   std::string text;
   for (int i = 0; i < m_work.Program().LineCount(); ++i) {
-    if (m_abort) return PG_E_ABORTED;
+    if (AbortRequested()) return PG_E_ABORTED;
     const SEQUENCE_LINE* line = m_work.Program().LineAt(i);
     if (!line) return ReportMissing(E_FAIL);
     if (!AppendSequenceRecord(*line, m_work.Index().SequenceLine(i), text)) return E_FAIL;

@@ -1,0 +1,45 @@
+#include "instrument/program_operation.h"
+
+#include "app/message_catalogue.h"
+#include "app/message_service.h"
+#include "instrument/instrument.h"
+#include "quillpg/message_router.h"
+
+#include <cstdint>
+
+namespace quillpg {
+
+bool CProgramOperation::IsEnabled(const CInstrument& instrument) {
+  int enabled = 0;
+  (void)instrument.IsInstrumentEnabled(enabled);  // a stored value, cannot fail
+  return enabled != 0;
+}
+
+std::string CProgramOperation::InstrumentName(const CInstrument& instrument) {
+  std::string name;
+  (void)instrument.GetInstrumentName(name);  // a stored value, cannot fail
+  return name;
+}
+
+Status CProgramOperation::ReportMissing(Status status) {
+  CMessageService::Notice(MSG_INTERNAL_ERROR);
+  return status;
+}
+
+void CProgramOperation::SetProgressTitle(const std::string& text) {
+  if (m_router) m_router->SetProgressTitle(text);
+}
+
+void CProgramOperation::SetProgressMessage(const std::string& text) {
+  if (m_router) m_router->SetProgressMessage(text);
+}
+
+void CProgramOperation::SetProgressStatus(int percent) {
+  if (m_router) m_router->SetProgressStatus(percent);
+}
+
+void CProgramOperation::ReportProgress(int index, int count) {
+  if (count > 0) SetProgressStatus(static_cast<int>(std::int64_t{index} * 100 / count));
+}
+
+}  // namespace quillpg
