@@ -16,24 +16,17 @@ bool IsPosition(int position) { return position >= 0 && position < EVENT_INPUTS;
 
 Status EVENT_DEFINITION::Initialize() {
   m_pattern.fill('1');
-  m_revision.Touch();
+  Touch();
   return S_OK;
 }
 
 Status EVENT_DEFINITION::SetEventDefBit(int position, char character) {
   if (IsPosition(position)) m_pattern[static_cast<std::size_t>(position)] = character;
-  m_modified.Set();  // deliberate: also when nothing was stored
-  m_revision.Touch();
-  return S_OK;
+  return Changed(S_OK);  // deliberate: also when nothing was stored
 }
 
 char EVENT_DEFINITION::GetEventDefBit(int position) const {
   return IsPosition(position) ? m_pattern[static_cast<std::size_t>(position)] : '0';
-}
-
-Status EVENT_DEFINITION::SetModified(int flag) {
-  m_modified.Store(flag);
-  return S_OK;
 }
 
 std::uint64_t EVENT_DEFINITION::GetSize() const { return 14; }
@@ -47,7 +40,7 @@ Status EVENT_DEFINITION::Read(CSetupFileReader& reader) {
   if (!reader.Good()) return reader.GetStatus();
   text.resize(m_pattern.size(), '1');  // what a short text lacks
   std::ranges::copy(text, m_pattern.begin());
-  m_revision.Touch();
+  Touch();
   return reader.GetStatus();
 }
 

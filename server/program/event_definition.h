@@ -1,7 +1,6 @@
 #pragma once
 
-#include "base/modified_flag.h"
-#include "base/revision.h"
+#include "program/program_row.h"
 #include "quillpg/api.h"
 #include "quillpg/limits.h"
 #include "quillpg/result_codes.h"
@@ -19,8 +18,8 @@ class CSetupFileReader;
 /// One row of an event: a character for the signal input (position 0) and for the event bits E7
 /// (position 1) down to E0 (position 8), two bits for each pod from D to A. The characters are not
 /// checked.
-struct QUILLPG_API EVENT_DEFINITION {
-  EVENT_DEFINITION() { m_pattern.fill('1'); }
+struct QUILLPG_API EVENT_DEFINITION : CProgramRow {
+  EVENT_DEFINITION() : CProgramRow(false) { m_pattern.fill('1'); }
 
   /// Sets all nine characters to '1'; the modified flag stays.
   Status Initialize();
@@ -32,13 +31,6 @@ struct QUILLPG_API EVENT_DEFINITION {
   /// The nine characters in position order, as the hardware takes them.
   std::string_view Pattern() const { return {m_pattern.data(), m_pattern.size()}; }
 
-  bool IsModified() const { return m_modified.IsSet(); }
-  Status SetModified(int flag);
-  bool IsValid() const { return true; }
-
-  /// `list` counts the changes of the row from now on; null takes it away.
-  void ReportTo(CRevision* list) { m_revision.ReportTo(list); }
-
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
@@ -47,9 +39,7 @@ struct QUILLPG_API EVENT_DEFINITION {
   Status Write(CByteWriter& writer) const;
 
  private:
-  CModifiedFlag m_modified;
   std::array<char, EVENT_INPUTS> m_pattern;
-  CRevision m_revision;
 };
 
 }  // namespace quillpg

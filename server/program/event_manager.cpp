@@ -8,17 +8,14 @@
 
 namespace quillpg {
 
-CEventManager::CEventManager() : m_events(MAX_EVENTS) {}
+CEventManager::CEventManager() : CProgramList(MAX_EVENTS) {}
 
 CEventManager::~CEventManager() = default;
 
-Status CEventManager::GetNoOfEvents(int& count) const {
-  count = m_events.Count();
-  return S_OK;
-}
+Status CEventManager::GetNoOfEvents(int& count) const { return GetCount(count); }
 
 Status CEventManager::AddEvent(const std::string& name) {
-  return InsertEvent(m_events.Count(), name);
+  return InsertEvent(m_list.Count(), name);
 }
 
 Status CEventManager::InsertEvent(int position, const std::string& name) {
@@ -32,45 +29,34 @@ Status CEventManager::InsertEvent(int position, const std::string& name) {
 
 Status CEventManager::InsertEvent(int position, std::unique_ptr<EVENT>&& event) {
   if (!event) return S_OK;  // deliberate: the other managers refuse null
-  return ListChanged(m_events.Insert(position, std::move(event)));
+  return ListChanged(m_list.Insert(position, std::move(event)));
 }
 
 Status CEventManager::DeleteEvent(int first, int count) {
-  const Status status = m_events.RemoveEach(first, count, [this](int position, EVENT* event) {
+  return Changed(m_list.RemoveEach(first, count, [this](int position, EVENT* event) {
     const std::string name = event ? event->GetEventName() : std::string();
-    m_events.Destroy(event, position);
+    m_list.Destroy(event, position);
     Tell([&](CEventHandler& handler) { handler.OnEventDeleted(name, 1); });
-  });
-  if (!Failed(status)) m_modified.Set();
-  return status;
+  }));
 }
 
 Status CEventManager::DeleteAll() {
-  m_events.Clear();
-  m_modified.Set();
-  return S_OK;
+  m_list.Clear();
+  return Changed(S_OK);
 }
 
 Status CEventManager::FindEvent(const std::string& name, int& index) const {
-  const std::string_view asked = Trim(name);
-  index = asked.empty() ? -1 : m_events.Find(asked);
-  return index < 0 ? E_FAIL : S_OK;
+  return FindFirst(Trim(name), index);
 }
 
 Status CEventManager::CountEvents(const std::string& name, int& count) const {
-  const std::string_view asked = Trim(name);
-  count = asked.empty() ? 0 : m_events.CountNamed(asked);
-  return asked.empty() ? E_FAIL : S_OK;
+  return CountAll(Trim(name), count);
 }
 
-Status CEventManager::GetEvent(int index, EVENT** event) const {
-  if (!event) return E_FAIL;
-  *event = m_events.At(index);
-  return S_OK;
-}
+Status CEventManager::GetEvent(int index, EVENT** event) const { return GetAt(index, event); }
 
 Status CEventManager::SetEvent(int index, EVENT* event) {
-  EVENT* target = m_events.At(index);
+  EVENT* target = m_list.At(index);
   if (!event || !target) return E_FAIL;
   const Status status = GuardAllocation([&] {
     const std::string name(Trim(event->GetEventName()));
@@ -94,51 +80,33 @@ Status CEventManager::SetEventName2(int index, const std::string& name) {
   return status;
 }
 
-Status CEventManager::MoveUp(int index) { return ListChanged(m_events.MoveUp(index)); }
-Status CEventManager::MoveDown(int index) { return ListChanged(m_events.MoveDown(index)); }
-
-int CEventManager::IsModified() const {
-  return m_modified.IsSet() || m_events.AnyModified() ? 1 : 0;
-}
-
-Status CEventManager::SetModified(int flag) {
-  m_modified.Store(flag);
-  if (flag == 0) m_events.ClearModified();
-  return S_OK;
-}
-
-Status CEventManager::GetSize(std::uint64_t& size) const {
-  size = 4 + m_events.SizeOfAll();
-  return S_OK;
-}
+Status CEventManager::MoveUp(int index) { return ListChanged(m_list.MoveUp(index)); }
+Status CEventManager::MoveDown(int index) { return ListChanged(m_list.MoveDown(index)); }
 
 Status CEventManager::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
 Status CEventManager::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
 
 Status CEventManager::Read(CSetupFileReader& reader) {
-  m_modified.Set();  // what is loaded is not in the hardware
-  return ReadRecords(reader, EVENT_LIST, m_events);
+  (void)Changed(S_OK);  // what is loaded is not in the hardware
+  return ReadRecords(reader, EVENT_LIST, m_list);
 }
 
 Status CEventManager::Write(CByteWriter& writer) const {
-  return WriteRecords(writer, EVENT_LIST, m_events);
+  return WriteRecords(writer, EVENT_LIST, m_list);
 }
 
 // A change of case alone is not stored: deliberate.
 Status CEventManager::Rename(int index, const std::string& name, bool& renamed) {
-  EVENT* event = m_events.At(index);
+  EVENT* event = m_list.At(index);
   if (!event) return E_FAIL;
   if (EqualNoCase(event->GetEventName(), name)) return S_OK;
   const Status status = event->SetEventName(name);
   renamed = !Failed(status);
-  if (renamed) m_modified.Set();
-  return status;
+  return Changed(status);
 }
 
 Status CEventManager::ListChanged(Status status) {
-  if (Failed(status)) return status;
-  m_modified.Set();
-  Tell([](CEventHandler& handler) { handler.OnEventListChanged(); });
+  if (!Failed(Changed(status))) Tell([](CEventHandler& handler) { handler.OnEventListChanged(); });
   return status;
 }
 

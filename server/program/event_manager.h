@@ -1,9 +1,7 @@
 #pragma once
 
-#include "base/modified_flag.h"
-#include "base/ordered_list.h"
 #include "program/event.h"
-#include "program/program_manager.h"
+#include "program/program_list.h"
 
 #include <cstddef>
 
@@ -13,7 +11,7 @@ class CByteWriter;
 class CSetupFileReader;
 
 /// The events of an instrument, at most MAX_EVENTS slots. Names need neither be given nor unique.
-class QUILLPG_API CEventManager : public CProgramManager {
+class QUILLPG_API CEventManager : public CProgramList<EVENT> {
  public:
   CEventManager();
   ~CEventManager() override;
@@ -51,16 +49,6 @@ class QUILLPG_API CEventManager : public CProgramManager {
   Status MoveUp(int index);
   Status MoveDown(int index);
 
-  /// 1 when the manager's flag, an event's or a definition's is set.
-  int IsModified() const;
-  /// 0 also clears the flags of every event and definition.
-  Status SetModified(int flag);
-
-  /// Counts the changes of the list, the names and the definitions.
-  std::uint64_t Revision() const { return m_events.Revision(); }
-
-  /// Bytes in a setup file.
-  Status GetSize(std::uint64_t& size) const;
   Status Read(std::istream& stream);
   Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
@@ -69,9 +57,6 @@ class QUILLPG_API CEventManager : public CProgramManager {
  private:
   Status Rename(int index, const std::string& name, bool& renamed);
   Status ListChanged(Status status);
-
-  CModifiedFlag m_modified;
-  COrderedList<EVENT> m_events;
 };
 
 }  // namespace quillpg

@@ -13,16 +13,12 @@ Status SEQUENCE_LINE::Initialize() {
 
 Status SEQUENCE_LINE::SetRepeatCount(int count) {
   m_repeatCount = count;
-  m_modified.Set();
-  m_revision.Touch();
-  return S_OK;
+  return Changed(S_OK);
 }
 
 Status SEQUENCE_LINE::SetSignalValue(SignalValue value) {
   m_signalValue = value;
-  m_modified.Set();
-  m_revision.Touch();
-  return S_OK;
+  return Changed(S_OK);
 }
 
 Status SEQUENCE_LINE::SetLabel(const std::string& text) { return SetText(m_label, text); }
@@ -30,11 +26,6 @@ Status SEQUENCE_LINE::SetWaitFor(const std::string& text) { return SetText(m_wai
 Status SEQUENCE_LINE::SetOutput(const std::string& text) { return SetText(m_output, text); }
 Status SEQUENCE_LINE::SetJumpIf(const std::string& text) { return SetText(m_jumpIf, text); }
 Status SEQUENCE_LINE::SetJumpTo(const std::string& text) { return SetText(m_jumpTo, text); }
-
-Status SEQUENCE_LINE::SetModified(int flag) {
-  m_modified.Store(flag);
-  return S_OK;
-}
 
 bool SEQUENCE_LINE::IsEmpty() const {
   return m_label.empty() && m_waitFor.empty() && m_output.empty() && m_jumpIf.empty() &&
@@ -52,8 +43,7 @@ Status SEQUENCE_LINE::Write(std::ostream& stream) const { return WriteToStream(s
 Status SEQUENCE_LINE::Read(CSetupFileReader& reader) {
   LayOutSequenceLine(reader, m_label, m_waitFor, m_output, m_repeatCount, m_jumpIf, m_jumpTo,
                      m_signalValue);
-  m_modified.Set();
-  m_revision.Touch();
+  (void)Changed(S_OK);  // also after a failure
   return reader.GetStatus();
 }
 
@@ -64,11 +54,7 @@ Status SEQUENCE_LINE::Write(CByteWriter& writer) const {
 }
 
 Status SEQUENCE_LINE::SetText(std::string& field, const std::string& text) {
-  const Status status = StoreText(field, text);
-  if (Failed(status)) return status;
-  m_modified.Set();
-  m_revision.Touch();
-  return S_OK;
+  return Changed(StoreText(field, text));
 }
 
 }  // namespace quillpg

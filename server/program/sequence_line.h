@@ -1,7 +1,6 @@
 #pragma once
 
-#include "base/modified_flag.h"
-#include "base/revision.h"
+#include "program/program_row.h"
 #include "quillpg/api.h"
 #include "quillpg/engine_types.h"
 #include "quillpg/result_codes.h"
@@ -18,8 +17,8 @@ class CSetupFileReader;
 
 /// One line of the main program. It holds names and text as the user typed them; the compiler
 /// resolves and checks them. Every setter marks the line modified.
-struct QUILLPG_API SEQUENCE_LINE {
-  SEQUENCE_LINE() = default;
+struct QUILLPG_API SEQUENCE_LINE : CProgramRow {
+  SEQUENCE_LINE() : CProgramRow(true) {}
 
   /// Restores the defaults: repeat 1, signal 1, no texts, modified.
   Status Initialize();
@@ -40,15 +39,8 @@ struct QUILLPG_API SEQUENCE_LINE {
   Status SetJumpIf(const std::string& text);
   Status SetJumpTo(const std::string& text);
 
-  bool IsModified() const { return m_modified.IsSet(); }
-  Status SetModified(int flag);
-
   /// True when all five texts are empty; repeat count and signal do not count.
   bool IsEmpty() const;
-  bool IsValid() const { return true; }
-
-  /// `list` counts the changes of the line from now on; null takes it away.
-  void ReportTo(CRevision* list) { m_revision.ReportTo(list); }
 
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
@@ -60,7 +52,6 @@ struct QUILLPG_API SEQUENCE_LINE {
  private:
   Status SetText(std::string& field, const std::string& text);
 
-  CModifiedFlag m_modified{true};
   int m_repeatCount = 1;
   SignalValue m_signalValue = SignalValue::High;
   std::string m_label;
@@ -68,7 +59,6 @@ struct QUILLPG_API SEQUENCE_LINE {
   std::string m_output;
   std::string m_jumpIf;
   std::string m_jumpTo;
-  CRevision m_revision;
 };
 
 inline std::string_view NameOf(const SEQUENCE_LINE& line) { return line.GetLabel(); }

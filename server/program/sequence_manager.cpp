@@ -9,69 +9,56 @@
 
 namespace quillpg {
 
-CSequenceManager::CSequenceManager() : m_lines(MAX_SEQUENCE_LINES) {}
+CSequenceManager::CSequenceManager() : CProgramList(MAX_SEQUENCE_LINES) {}
 
 CSequenceManager::~CSequenceManager() = default;
 
-Status CSequenceManager::GetNoOfSequenceLines(int& count) const {
-  count = m_lines.Count();
-  return S_OK;
-}
+Status CSequenceManager::GetNoOfSequenceLines(int& count) const { return GetCount(count); }
 
 Status CSequenceManager::Default() {
   (void)DeleteAll();
   const Status status = AddSequenceLine(CMessageService::Text(MSG_UNIQUE_LINE));
   if (Failed(status)) return status;
-  SEQUENCE_LINE* line = m_lines.At(0);
+  SEQUENCE_LINE* line = m_list.At(0);
   (void)line->SetRepeatCount(0);  // deliberate: the default line plays endlessly
   return line->SetOutput(CMessageService::Text(MSG_UNIQUE_BLOCK));
 }
 
 Status CSequenceManager::AddSequenceLine(const std::string& label) {
-  return Insert(m_lines.Count(), label);
+  return Insert(m_list.Count(), label);
 }
 
 Status CSequenceManager::InsertSequenceLine(int position, const std::string& label) {
-  const Status status = Insert(position, label);
-  if (!Failed(status)) m_modified.Set();
-  return status;
+  return Changed(Insert(position, label));
 }
 
 Status CSequenceManager::InsertLine(int position, std::unique_ptr<SEQUENCE_LINE>&& line) {
-  const Status status = m_lines.Insert(position, std::move(line));
-  if (!Failed(status)) m_modified.Set();
-  return status;
+  return Changed(m_list.Insert(position, std::move(line)));
 }
 
 Status CSequenceManager::DeleteSequenceLine(int first, int count) {
-  const Status status = m_lines.Remove(first, count);
-  if (!Failed(status)) m_modified.Set();
-  return status;
+  return Changed(m_list.Remove(first, count));
 }
 
 Status CSequenceManager::DeleteAll() {
-  m_lines.Clear();
+  m_list.Clear();
   return S_OK;
 }
 
 Status CSequenceManager::FindSequenceLine(const std::string& label, int& index) const {
-  index = label.empty() ? -1 : m_lines.Find(label);
-  return index < 0 ? E_FAIL : S_OK;
+  return FindFirst(label, index);
 }
 
 Status CSequenceManager::CountSequenceLines(const std::string& label, int& count) const {
-  count = label.empty() ? 0 : m_lines.CountNamed(label);
-  return label.empty() ? E_FAIL : S_OK;
+  return CountAll(label, count);
 }
 
 Status CSequenceManager::GetSequenceLine(int index, SEQUENCE_LINE** line) const {
-  if (!line) return E_FAIL;
-  *line = m_lines.At(index);
-  return S_OK;
+  return GetAt(index, line);
 }
 
 Status CSequenceManager::SetSequenceLine(int index, const SEQUENCE_LINE* line) {
-  SEQUENCE_LINE* target = m_lines.At(index);
+  SEQUENCE_LINE* target = m_list.At(index);
   if (!line || !target) return E_FAIL;
   return GuardAllocation([&] {
     SEQUENCE_LINE copy = *line;
@@ -80,50 +67,27 @@ Status CSequenceManager::SetSequenceLine(int index, const SEQUENCE_LINE* line) {
   });
 }
 
-Status CSequenceManager::MoveUp(int index) {
-  const Status status = m_lines.MoveUp(index);
-  if (!Failed(status)) m_modified.Set();
-  return status;
-}
+Status CSequenceManager::MoveUp(int index) { return Changed(m_list.MoveUp(index)); }
 
-Status CSequenceManager::MoveDown(int index) {
-  const Status status = m_lines.MoveDown(index);
-  if (!Failed(status)) m_modified.Set();
-  return status;
-}
-
-int CSequenceManager::IsModified() const {
-  return m_modified.IsSet() || m_lines.AnyModified() ? 1 : 0;
-}
-
-Status CSequenceManager::SetModified(int flag) {
-  m_modified.Store(flag);
-  if (flag == 0) m_lines.ClearModified();
-  return S_OK;
-}
-
-Status CSequenceManager::GetSize(std::uint64_t& size) const {
-  size = 4 + m_lines.SizeOfAll();
-  return S_OK;
-}
+Status CSequenceManager::MoveDown(int index) { return Changed(m_list.MoveDown(index)); }
 
 Status CSequenceManager::Read(std::istream& stream) { return ReadFromStream(stream, *this); }
 Status CSequenceManager::Write(std::ostream& stream) const { return WriteToStream(stream, *this); }
 
 Status CSequenceManager::Read(CSetupFileReader& reader) {
-  m_modified.Set();  // what is loaded is not in the hardware
-  return ReadRecords(reader, SEQUENCE_LIST, m_lines);
+  (void)Changed(S_OK);  // what is loaded is not in the hardware
+  return ReadRecords(reader, SEQUENCE_LIST, m_list);
 }
 
 Status CSequenceManager::Write(CByteWriter& writer) const {
-  return WriteRecords(writer, SEQUENCE_LIST, m_lines);
+  return WriteRecords(writer, SEQUENCE_LIST, m_list);
 }
 
 Status CSequenceManager::Insert(int position, const std::string& label) {
   return GuardAllocation([&] {
     auto line = std::make_unique<SEQUENCE_LINE>();
     const Status labelled = line->SetLabel(label);
-    return Failed(labelled) ? labelled : m_lines.Insert(position, std::move(line));
+    return Failed(labelled) ? labelled : m_list.Insert(position, std::move(line));
   });
 }
 

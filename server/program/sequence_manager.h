@@ -1,8 +1,6 @@
 #pragma once
 
-#include "base/modified_flag.h"
-#include "base/ordered_list.h"
-#include "program/program_manager.h"
+#include "program/program_list.h"
 #include "program/sequence_line.h"
 
 namespace quillpg {
@@ -12,7 +10,7 @@ class CSetupFileReader;
 
 /// The lines of an instrument's main program, at most MAX_SEQUENCE_LINES slots. The handler is
 /// stored and never told anything.
-class QUILLPG_API CSequenceManager : public CProgramManager {
+class QUILLPG_API CSequenceManager : public CProgramList<SEQUENCE_LINE> {
  public:
   CSequenceManager();
   ~CSequenceManager() override;
@@ -44,16 +42,6 @@ class QUILLPG_API CSequenceManager : public CProgramManager {
   Status MoveUp(int index);
   Status MoveDown(int index);
 
-  /// 1 when the manager's flag or the flag of a line is set.
-  int IsModified() const;
-  /// 0 also clears the flag of every line.
-  Status SetModified(int flag);
-
-  /// Counts the changes of the list and of its lines.
-  std::uint64_t Revision() const { return m_lines.Revision(); }
-
-  /// Bytes in a setup file.
-  Status GetSize(std::uint64_t& size) const;
   Status Read(std::istream& stream);
   Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
@@ -61,9 +49,6 @@ class QUILLPG_API CSequenceManager : public CProgramManager {
 
  private:
   Status Insert(int position, const std::string& label);
-
-  CModifiedFlag m_modified;
-  COrderedList<SEQUENCE_LINE> m_lines;
 };
 
 }  // namespace quillpg

@@ -13,22 +13,11 @@ Status SUBSEQUENCE_LINE::Initialize() {
 
 Status SUBSEQUENCE_LINE::SetRepeatCount(int count) {
   m_repeatCount = count;
-  m_modified.Set();
-  m_revision.Touch();
-  return S_OK;
+  return Changed(S_OK);
 }
 
 Status SUBSEQUENCE_LINE::SetOutput(const std::string& blockName) {
-  const Status status = StoreText(m_output, blockName);
-  if (Failed(status)) return status;
-  m_modified.Set();
-  m_revision.Touch();
-  return S_OK;
-}
-
-Status SUBSEQUENCE_LINE::SetModified(int flag) {
-  m_modified.Store(flag);
-  return S_OK;
+  return Changed(StoreText(m_output, blockName));
 }
 
 std::uint64_t SUBSEQUENCE_LINE::GetSize() const { return m_output.size() + 9; }
@@ -38,8 +27,7 @@ Status SUBSEQUENCE_LINE::Write(std::ostream& stream) const { return WriteToStrea
 
 Status SUBSEQUENCE_LINE::Read(CSetupFileReader& reader) {
   LayOutSubSequenceLine(reader, m_output, m_repeatCount);
-  m_modified.Set();
-  m_revision.Touch();
+  (void)Changed(S_OK);  // also after a failure
   return reader.GetStatus();
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "base/modified_flag.h"
-#include "base/revision.h"
+#include "program/program_row.h"
 #include "quillpg/api.h"
 #include "quillpg/result_codes.h"
 
@@ -15,8 +14,8 @@ class CByteWriter;
 class CSetupFileReader;
 
 /// One line of a subsequence: a block and how often it is played. Both setters mark it modified.
-struct QUILLPG_API SUBSEQUENCE_LINE {
-  SUBSEQUENCE_LINE() = default;
+struct QUILLPG_API SUBSEQUENCE_LINE : CProgramRow {
+  SUBSEQUENCE_LINE() : CProgramRow(true) {}
 
   /// Restores the defaults: repeat count -1 (not given yet, deliberate), no output, modified.
   Status Initialize();
@@ -26,13 +25,6 @@ struct QUILLPG_API SUBSEQUENCE_LINE {
   Status SetRepeatCount(int count);
   Status SetOutput(const std::string& blockName);
 
-  bool IsModified() const { return m_modified.IsSet(); }
-  Status SetModified(int flag);
-  bool IsValid() const { return true; }
-
-  /// `list` counts the changes of the line from now on; null takes it away.
-  void ReportTo(CRevision* list) { m_revision.ReportTo(list); }
-
   /// Bytes in a setup file.
   std::uint64_t GetSize() const;
   Status Read(std::istream& stream);
@@ -41,10 +33,8 @@ struct QUILLPG_API SUBSEQUENCE_LINE {
   Status Write(CByteWriter& writer) const;
 
  private:
-  CModifiedFlag m_modified{true};
   int m_repeatCount = -1;
   std::string m_output;
-  CRevision m_revision;
 };
 
 }  // namespace quillpg

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "base/modified_flag.h"
-#include "base/ordered_list.h"
-#include "program/program_manager.h"
+#include "program/program_list.h"
 #include "program/subsequence.h"
 
 #include <cstddef>
@@ -14,7 +12,7 @@ class CSetupFileReader;
 
 /// The subsequences of an instrument, at most MAX_SUBSEQUENCES slots. Names need neither be given
 /// nor unique. The handler is stored and never told anything.
-class QUILLPG_API CSubSequenceManager : public CProgramManager {
+class QUILLPG_API CSubSequenceManager : public CProgramList<SUBSEQUENCE> {
  public:
   CSubSequenceManager();
   ~CSubSequenceManager() override;
@@ -43,26 +41,10 @@ class QUILLPG_API CSubSequenceManager : public CProgramManager {
   Status MoveUp(int index);
   Status MoveDown(int index);
 
-  /// 1 when the manager's flag, a subsequence's or a line's is set.
-  int IsModified() const;
-  /// 0 also clears the flags of every subsequence and line.
-  Status SetModified(int flag);
-
-  /// Counts the changes of the list, the names and the lines.
-  std::uint64_t Revision() const { return m_subsequences.Revision(); }
-
-  /// Bytes in a setup file.
-  Status GetSize(std::uint64_t& size) const;
   Status Read(std::istream& stream);
   Status Read(CSetupFileReader& reader);
   Status Write(std::ostream& stream) const;
   Status Write(CByteWriter& writer) const;
-
- private:
-  Status Changed(Status status);
-
-  CModifiedFlag m_modified;
-  COrderedList<SUBSEQUENCE> m_subsequences;
 };
 
 }  // namespace quillpg
