@@ -1,13 +1,10 @@
 #include "plain/group_text.h"
 
-#include "hardware/module_manager.h"
-#include "instrument/instrument.h"
-#include "quillpg/app_server.h"
+#include "bench_instrument.h"
 #include "ratio.h"
 
 #include <cstddef>
-#include <memory>
-#include <random>
+#include <string>
 #include <vector>
 
 namespace quillpg::bench {
@@ -16,28 +13,13 @@ namespace {
 
 constexpr int kVectors = 2000;
 
-// One module in FULL mode with the signals of a capture of 64 lines: 48 of one line, a bus of 16;
-// and one group over all channels.
+// The groups of a capture and one over all channels.
 class CGroupTextBench {
  public:
   CGroupTextBench() {
-    CAppServer* server = nullptr;
-    (void)CAppServer::GetServer(&server);
-    CModuleManager* modules = nullptr;
-    (void)server->GetModuleManager(&modules);
-    CModule* module = nullptr;
-    (void)modules->GetModuleAt(0, &module);
-    (void)m_instrument.Initialize();
-    (void)m_instrument.AddModule(module);
-    (void)m_instrument.Default();
-    (void)m_instrument.GetGroupManager(&m_groups);
-    (void)m_instrument.GetBlockManager(&m_blocks);
-    (void)m_groups->DeleteAllGroups();
-    for (int line = 0; line < 48; ++line) AddGroup("D" + std::to_string(line), line, 1);
-    AddGroup("Bus", 48, 16);
-    AddGroup("Wide", 0, 64);
-    (void)m_blocks->AddBlock("Data", kVectors);
-    FillBlock();
+    m_instrument.UseCaptureGroups();
+    m_instrument.AddGroup("Wide", 0, 64);
+    (void)m_instrument.AddRandomBlock(kVectors);
   }
 
   Work Read(const std::string& group, Radix radix) {
@@ -73,22 +55,6 @@ class CGroupTextBench {
  private:
   static constexpr int kBlock = 1;  // after the default block
 
-  void AddGroup(const std::string& name, int lowest, int channels) {
-    (void)m_groups->AddGroup(name);
-    for (int i = channels - 1; i >= 0; --i) {
-      (void)m_instrument.AddChannelToGroup(name, lowest + i, -1);
-    }
-  }
-
-  void FillBlock() {
-    BLOCK* block = nullptr;
-    (void)m_blocks->GetBlock(kBlock, &block);
-    std::mt19937 random(4711);
-    for (std::size_t i = 0; i < kVectors * block->RowBytes(); ++i) {
-      block->Data()[i] = static_cast<std::uint8_t>(random());
-    }
-  }
-
   std::vector<std::string> Texts(const std::string& group, Radix radix) {
     std::vector<std::string> texts(kVectors);
     for (int i = 0; i < kVectors; ++i) {
@@ -97,9 +63,7 @@ class CGroupTextBench {
     return texts;
   }
 
-  CInstrument m_instrument;
-  CGroupManager* m_groups = nullptr;
-  CBlockManager* m_blocks = nullptr;
+  CBenchInstrument m_instrument;
   std::string m_text;
 };
 

@@ -1,8 +1,6 @@
 #include "base/setup_file_reader.h"
-#include "hardware/module_manager.h"
-#include "instrument/instrument.h"
+#include "bench_instrument.h"
 #include "plain/plain_setup_file.h"
-#include "quillpg/app_server.h"
 #include "quillpg/limits.h"
 #include "ratio.h"
 
@@ -57,17 +55,6 @@ class CSetupFileBench {
  public:
   CSetupFileBench(const char* name, int blocks, int size)
       : m_path(std::string("/tmp/quillpg_bench_") + name + std::to_string(getpid())) {
-    CAppServer* server = nullptr;
-    (void)CAppServer::GetServer(&server);
-    CModuleManager* modules = nullptr;
-    (void)server->GetModuleManager(&modules);
-    CModule* module = nullptr;
-    (void)modules->GetModuleAt(0, &module);
-    for (CInstrument* instrument : {&m_instrument, &m_target}) {
-      (void)instrument->Initialize();
-      (void)instrument->AddModule(module);
-      (void)instrument->Default();
-    }
     (void)m_instrument.GetBlockManager(&m_blocks);
     (void)m_target.GetBlockManager(&m_loaded);
     (void)m_blocks->DeleteAll();
@@ -109,8 +96,8 @@ class CSetupFileBench {
 
  private:
   std::string m_path;
-  CInstrument m_instrument;
-  CInstrument m_target;
+  CBenchInstrument m_instrument;
+  CBenchInstrument m_target;
   CBlockManager* m_blocks = nullptr;
   CBlockManager* m_loaded = nullptr;
   std::vector<std::uint8_t> m_bytes;

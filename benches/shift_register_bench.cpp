@@ -1,11 +1,9 @@
 // Pseudo-random data from a shift register: the bits of one stream over one step at a time, and 64
 // channels of a block over steps and bits one at a time. The register has 32 stages, the longest.
 
-#include "hardware/module_manager.h"
+#include "bench_instrument.h"
 #include "hardware/shift_register_generator.h"
-#include "instrument/instrument.h"
 #include "program/block_manager.h"
-#include "quillpg/app_server.h"
 #include "ratio.h"
 
 #include <cstdint>
@@ -26,20 +24,7 @@ class CShiftRegisterBench {
     std::iota(m_channels.begin(), m_channels.end(), 0);
     m_generator.setNumRegister(32);
     m_generator.setMaximumTapSetting(1);
-    CAppServer* server = nullptr;
-    (void)CAppServer::GetServer(&server);
-    CModuleManager* modules = nullptr;
-    (void)server->GetModuleManager(&modules);
-    CModule* module = nullptr;
-    (void)modules->GetModuleAt(0, &module);
-    (void)m_instrument.Initialize();
-    (void)m_instrument.AddModule(module);
-    (void)m_instrument.Default();
-    CBlockManager* blocks = nullptr;
-    (void)m_instrument.GetBlockManager(&blocks);
-    BLOCK* block = nullptr;
-    (void)blocks->GetBlock(0, &block);
-    (void)block->ResizeBlock(kVectors, '\0');
+    (void)m_instrument.Program().BlockAt(0)->ResizeBlock(kVectors, '\0');
   }
 
   void StreamPlain() {
@@ -60,7 +45,7 @@ class CShiftRegisterBench {
   void Fill() { (void)m_instrument.FillChannelData(m_channels, 0, 0, kVectors - 1, m_generator); }
 
  private:
-  CInstrument m_instrument;
+  CBenchInstrument m_instrument;
   CShiftRegisterGenerator m_generator;
   std::vector<std::uint64_t> m_words;
   std::vector<int> m_channels;

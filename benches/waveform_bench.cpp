@@ -1,14 +1,11 @@
-#include "hardware/module_manager.h"
-#include "instrument/instrument.h"
+#include "bench_instrument.h"
 #include "plain/group_text.h"
 #include "program/block_manager.h"
 #include "program/group_manager.h"
 #include "program/waveform_manager.h"
-#include "quillpg/app_server.h"
 #include "ratio.h"
 
 #include <cstddef>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -20,35 +17,15 @@ constexpr int kVectors = 262140;
 constexpr int kShown = 50;
 constexpr int kBlock = 1;  // after the default block
 
-// A grid that shows 50 vectors of a large block, 2450 cells: 48 groups of one channel and one of
-// 16, of which pod A's are inhibited now and then.
+// A grid that shows 50 vectors of a large block, 2450 cells: the groups of a capture, of which pod
+// A's are inhibited now and then.
 class CWaveformBench {
  public:
   CWaveformBench() {
-    CAppServer* server = nullptr;
-    (void)CAppServer::GetServer(&server);
-    CModuleManager* modules = nullptr;
-    (void)server->GetModuleManager(&modules);
-    CModule* module = nullptr;
-    (void)modules->GetModuleAt(0, &module);
-    (void)m_instrument.Initialize();
-    (void)m_instrument.AddModule(module);
-    (void)m_instrument.Default();
     (void)m_instrument.SetInhibitByPodD(0, 0, 1);
-    (void)m_instrument.GetGroupManager(&m_groups);
-    (void)m_groups->DeleteAllGroups();
-    for (int line = 0; line < 48; ++line) AddGroup("D" + std::to_string(line), line, 1);
-    AddGroup("Bus", 48, 16);
-    CBlockManager* blocks = nullptr;
-    (void)m_instrument.GetBlockManager(&blocks);
-    (void)blocks->AddBlock("Data", kVectors);
-    BLOCK* block = nullptr;
-    (void)blocks->GetBlock(kBlock, &block);
-    std::mt19937 random(4711);
-    for (std::size_t i = 0; i < kVectors * block->RowBytes(); ++i) {
-      block->Data()[i] = static_cast<std::uint8_t>(random());
-    }
-    m_rows = block->GetWaveformManager();
+    m_instrument.UseCaptureGroups();
+    (void)m_instrument.Program().Groups()->GetGroupNames(m_names);
+    m_rows = m_instrument.AddRandomBlock(kVectors).GetWaveformManager();
   }
 
   Work Paint() {
@@ -76,12 +53,6 @@ class CWaveformBench {
   }
 
  private:
-  void AddGroup(const std::string& name, int first, int channels) {
-    (void)m_groups->AddGroup(name);
-    for (int i = channels; i-- > 0;) (void)m_instrument.AddChannelToGroup(name, first + i, -1);
-    m_names.push_back(name);
-  }
-
   template <typename Visit>
   void ForEachCell(Visit&& visit) const {
     for (int i = 0; i < kShown; ++i) {
@@ -98,7 +69,7 @@ class CWaveformBench {
 
   void Mark(const std::string& name, int vector) {
     GROUP* group = nullptr;
-    (void)m_groups->GetGroup(name, &group);
+    (void)m_instrument.Program().Groups()->GetGroup(name, &group);
     const int channels = group->GetNoOfChannels();
     std::vector<int> digits(m_text.size());
     for (int i = 0; i < channels; ++i) {
@@ -113,8 +84,7 @@ class CWaveformBench {
     }
   }
 
-  CInstrument m_instrument;
-  CGroupManager* m_groups = nullptr;
+  CBenchInstrument m_instrument;
   CWaveformManager* m_rows = nullptr;
   std::vector<std::string> m_names;
   std::string m_text;
