@@ -5,10 +5,6 @@
 
 #include <gmock/gmock.h>
 
-#include <functional>
-#include <tuple>
-#include <utility>
-
 namespace quillpg {
 namespace {
 

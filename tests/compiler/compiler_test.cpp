@@ -10,8 +10,6 @@
 
 #include <gmock/gmock.h>
 
-#include <tuple>
-
 namespace quillpg {
 namespace {
 

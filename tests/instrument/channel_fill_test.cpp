@@ -5,7 +5,6 @@
 
 #include <cstring>
 #include <numeric>
-#include <vector>
 
 namespace quillpg {
 namespace {

@@ -6,9 +6,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <random>
-#include <string>
-#include <tuple>
-#include <vector>
 
 namespace quillpg {
 namespace {

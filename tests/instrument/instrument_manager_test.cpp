@@ -8,8 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <functional>
-#include <memory>
 
 namespace quillpg {
 namespace {

@@ -4,8 +4,6 @@
 
 #include <gmock/gmock.h>
 
-#include <string>
-
 namespace quillpg {
 namespace {
 

@@ -2,11 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
-
 namespace quillpg {
 namespace {
 

@@ -3,11 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <functional>
 #include <limits>
-#include <memory>
-#include <string>
-#include <vector>
 
 namespace quillpg {
 namespace {

@@ -5,10 +5,6 @@
 
 #include <gmock/gmock.h>
 
-#include <memory>
-#include <string>
-#include <vector>
-
 namespace quillpg {
 namespace {
 

@@ -5,11 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <random>
-#include <string>
-#include <tuple>
-#include <vector>
 
 namespace quillpg {
 namespace {

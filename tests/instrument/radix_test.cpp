@@ -52,14 +52,5 @@ TEST(Radix, ParsesWhateverTextComes) {
   }
 }
 
-TEST(Radix, TextOfMegabytesCostsNoMoreThanTheGroup) {
-  const std::string huge(std::size_t{8} << 20, '9');
-  // 10^n - 1 is all ones modulo 2^n.
-  EXPECT_EQ(Parse(huge, 320, Radix::Decimal), std::vector<std::uint64_t>(5, ~std::uint64_t{0}));
-  EXPECT_EQ(Parse(huge, 64, Radix::Hex), std::vector<std::uint64_t>(1, 0x9999999999999999u));
-  EXPECT_EQ(Parse(std::string(std::size_t{8} << 20, '?') + "7", 64, Radix::Decimal),
-            std::vector<std::uint64_t>(1, 7));
-}
-
 }  // namespace
 }  // namespace quillpg

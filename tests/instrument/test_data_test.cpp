@@ -7,7 +7,6 @@
 #include <array>
 #include <cstring>
 #include <numeric>
-#include <vector>
 
 namespace quillpg {
 namespace {

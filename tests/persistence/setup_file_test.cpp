@@ -9,7 +9,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <utility>
 
 // Whole files that an independent program wrote: read, written, walked, broken.
 

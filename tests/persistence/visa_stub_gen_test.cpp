@@ -38,16 +38,13 @@ std::vector<std::string> LinesStartingWith(const std::string& text, const std::s
   return lines;
 }
 
-TEST(VisaStub, GoldenFileOfOneModuleWithTheOption) {
-  CStubbedSystem one(1, true);
-  ASSERT_EQ(S_OK, one.Files().GenerateVisaStub());
-  ExpectGolden("simulation_one_module.ini", one.Written());
-}
-
-TEST(VisaStub, GoldenFileOfThreeModules) {
-  CStubbedSystem three(3);
-  ASSERT_EQ(S_OK, three.Files().GenerateVisaStub());
-  ExpectGolden("simulation_three_modules.ini", three.Written());
+TEST(VisaStub, GoldenFilesOfOneModuleWithTheOptionAndOfThree) {
+  for (const int modules : {1, 3}) {
+    CStubbedSystem system(modules, modules == 1);
+    ASSERT_EQ(S_OK, system.Files().GenerateVisaStub());
+    ExpectGolden(modules == 1 ? "simulation_one_module.ini" : "simulation_three_modules.ini",
+                 system.Written());
+  }
 }
 
 // Whoever forgets to name the file anew gets the old sections and the new ones, by design.

@@ -3,13 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <memory>
-#include <string>
 #include <typeinfo>
 
 // What the lists of a program have in common, and where their rules differ.
-#include <tuple>
 
 namespace quillpg {
 namespace {

@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <string>
-#include <vector>
 
 // Records of program objects in a setup file, where whole files do not reach.
 

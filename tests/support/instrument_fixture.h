@@ -19,8 +19,12 @@
 #include "support/recording_router.h"
 #include "support/scripted_host.h"
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
 
 namespace quillpg {
 

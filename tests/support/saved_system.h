@@ -7,7 +7,6 @@
 #include "support/temporary_folder.h"
 
 #include <regex>
-#include <string>
 
 namespace quillpg {
 

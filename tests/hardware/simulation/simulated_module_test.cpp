@@ -8,15 +8,12 @@
 
 #include <cmath>
 #include <limits>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
 
 namespace quillpg {
 namespace {
-
-using testing::ElementsAre;
 
 int LastError(CSorrelModule& module) {
   std::string text;
@@ -151,15 +148,9 @@ TEST(SimulatedModule, WritesEachCallAsOneLineOfTheTrace) {
 TEST(SimulatedSystem, ReplacedModulesLiveUntilTheNextReplacement) {
   CSimulatedHardware hardware;
   CSystem* system = Find(static_cast<CHardwareManager&>(hardware), &CHardwareManager::GetSystem);
-  std::vector<int> slots;
   CSorrelModule* module = nullptr;
-  int pos = 0;
-  for (system->GetFirstSorrelModulePos(pos); pos >= 0;) {
-    ASSERT_EQ(S_OK, system->GetNextSorrelModule(pos, &module));
-    module->GetSlotNo(slots.emplace_back());
-  }
-  EXPECT_THAT(slots, ElementsAre(3, 5, 7, 9, 11));
-
+  int pos = 4;
+  ASSERT_EQ(S_OK, system->GetNextSorrelModule(pos, &module));  // handed out: it stays
   system->PrepareLoadFromStub();
   system->AddModuleFromStub(0);
   system->AddModuleFromStub(1);
