@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -42,7 +43,28 @@ class COrderedList {
 
   /// Null for a position outside the list and for an empty slot.
   T* At(int position) const {
-    return Holds(position) ? m_slots[static_cast<std::size_t>(position)].get() : nullptr;
+    return Holds(position) ? m_slots[static_cast<std::size_t>(position)].object.get() : nullptr;
+  }
+
+  /// Tells an object of the list from all others that it has had and will have: an address may be
+  /// used again while the front end is told of a change, an id never is.
+  using ID = std::uint64_t;
+  /// 0 for a position outside the list and for an empty slot.
+  ID IdAt(int position) const {
+    return Holds(position) ? m_slots[static_cast<std::size_t>(position)].id : 0;
+  }
+  /// Where the object stands now; `hint` is looked at first. -1 when it is no longer in the list.
+  int PositionOf(ID id, int hint) const {
+    if (id == 0 || IdAt(hint) == id) return id == 0 ? -1 : hint;
+    const auto slot = std::ranges::find(m_slots, id, &SLOT::id);
+    return slot == m_slots.end() ? -1 : static_cast<int>(slot - m_slots.begin());
+  }
+  /// The same for an object that the caller knows to live.
+  int PositionOf(const T* object) const {
+    for (int i = 0; object && i < Count(); ++i) {
+      if (At(i) == object) return i;
+    }
+    return -1;
   }
 
   Status Append(std::unique_ptr<T>&& object) { return Insert(Count(), std::move(object)); }
@@ -54,18 +76,17 @@ class COrderedList {
     if (!object || position < 0 || IsFull() || position >= m_limit) return E_FAIL;
     const Status grown = GuardAllocation([&] { return Grow(std::max(position, Count()) + 1); });
     if (Failed(grown)) return grown;
-    T* inserted = object.get();
     if (position > Count()) m_slots.resize(static_cast<std::size_t>(position));
-    m_slots.insert(m_slots.begin() + position, std::move(object));
-    Connect(inserted, &m_revision);
+    Connect(object.get(), &m_revision);
+    m_slots.insert(m_slots.begin() + position, SLOT{std::move(object), ++m_lastId});
     m_revision.Touch();
     return S_OK;
   }
 
   /// Appends an object that a file holds, beyond the limit too; throws when memory runs out.
   void AppendRead(std::unique_ptr<T>&& object) {
-    m_slots.push_back(std::move(object));
-    Connect(m_slots.back().get(), &m_revision);
+    m_slots.push_back(SLOT{std::move(object), ++m_lastId});
+    Connect(m_slots.back().object.get(), &m_revision);
     m_revision.Touch();
   }
 
@@ -73,12 +94,12 @@ class COrderedList {
   /// nothing changed, when memory runs out.
   Status CopyFrom(const COrderedList& other) {
     return GuardAllocation([&] {
-      std::vector<std::unique_ptr<T>> copies(other.m_slots.size());
-      std::ranges::transform(other.m_slots, copies.begin(), [](const std::unique_ptr<T>& slot) {
-        return slot ? std::make_unique<T>(*slot) : nullptr;
+      std::vector<SLOT> copies(other.m_slots.size());
+      std::ranges::transform(other.m_slots, copies.begin(), [this](const SLOT& slot) {
+        return slot.object ? SLOT{std::make_unique<T>(*slot.object), ++m_lastId} : SLOT{};
       });
       m_slots.swap(copies);
-      for (const auto& slot : m_slots) Connect(slot.get(), &m_revision);
+      for (const SLOT& slot : m_slots) Connect(slot.object.get(), &m_revision);
       m_revision.Touch();
       return S_OK;
     });
@@ -94,24 +115,28 @@ class COrderedList {
     return S_OK;
   }
 
-  /// As Remove, with `visit(position, object)` called for each slot in turn; the object is null for
-  /// an empty slot. `visit` must Destroy the object; it tells the front end before or after, which
-  /// may change the list meanwhile: an object that is gone by then is not visited. The slots are
-  /// closed at the end, so positions are those before any removal. Empty slots elsewhere in the
-  /// list stay.
+  /// As Remove, with `visit(position, object, destroy)` called for each slot in turn; the object is
+  /// null for an empty slot. `visit` must call `destroy()`; it tells the front end before or after,
+  /// which may change the list meanwhile: an object that is gone by then is not visited. The slots
+  /// are closed at the end, so positions are those before any removal. Empty slots elsewhere in the
+  /// list stay. A failure of `visit` ends it at once: the list may be gone.
   template <typename Visit>
   Status RemoveEach(int first, int count, Visit&& visit) {
     if (!HoldsRange(first, count)) return E_FAIL;
-    std::vector<T*> doomed;
+    std::vector<ID> doomed;
     const Status status = GuardAllocation([&] {
-      for (int i = 0; i < count; ++i) doomed.push_back(At(first + i));
+      for (int i = 0; i < count; ++i) doomed.push_back(IdAt(first + i));
       return S_OK;
     });
     if (Failed(status)) return status;
     const bool gapsElsewhere = EmptySlots(0, Count()) != EmptySlots(first, count);
-    int position = first;
-    for (T* object : doomed) {
-      if (!object || PositionOf(object, position) >= 0) visit(position, object);
+    for (int position = first; const ID id : doomed) {
+      const int now = PositionOf(id, position);
+      if (id == 0 || now >= 0) {
+        const auto destroy = [&] { (void)Release(PositionOf(id, now)); };
+        const Status visited = visit(position, At(now), destroy);
+        if (Failed(visited)) return visited;
+      }
       ++position;
     }
     // Without gaps to keep all are closed, wherever `visit` has moved them.
@@ -119,22 +144,12 @@ class COrderedList {
     return S_OK;
   }
 
-  /// Where `object` stands now; `hint` is looked at first. -1 when it is not in the list.
-  int PositionOf(const T* object, int hint) const {
-    if (!object || At(hint) == object) return object ? hint : -1;
-    const auto slot = std::ranges::find(m_slots, object, &std::unique_ptr<T>::get);
-    return slot == m_slots.end() ? -1 : static_cast<int>(slot - m_slots.begin());
-  }
-
-  /// Destroys `object` and leaves its slot empty; nothing when it is not in the list.
-  void Destroy(const T* object, int hint) { Release(PositionOf(object, hint)); }
-
   /// Takes the object out of its slot, which stays in the list, empty.
   std::unique_ptr<T> Release(int position) {
     if (!At(position)) return nullptr;
     m_revision.Touch();
     Connect(At(position), nullptr);
-    return std::move(m_slots[static_cast<std::size_t>(position)]);
+    return std::exchange(m_slots[static_cast<std::size_t>(position)], SLOT{}).object;
   }
 
   /// Takes the slot out of the list and hands its object over.
@@ -182,7 +197,7 @@ class COrderedList {
   /// Number of objects of that name without regard to case. The caller trims.
   int CountNamed(std::string_view name) const {
     int count = 0;
-    for (const auto& slot : m_slots) count += slot && EqualNoCase(NameOf(*slot), name) ? 1 : 0;
+    ForEach([&](const T& object) { count += EqualNoCase(NameOf(object), name) ? 1 : 0; });
     return count;
   }
 
@@ -219,21 +234,28 @@ class COrderedList {
   /// list.
   template <typename Visit>
   void ForEach(Visit&& visit) const {
-    for (const auto& slot : m_slots) {
-      if (slot) visit(*slot);
+    for (const SLOT& slot : m_slots) {
+      if (slot.object) visit(*slot.object);
     }
   }
 
   /// True as soon as `test` holds for one object.
   template <typename Test>
   bool Any(Test&& test) const {
-    for (const auto& slot : m_slots) {
-      if (slot && test(*slot)) return true;
+    for (const SLOT& slot : m_slots) {
+      if (slot.object && test(*slot.object)) return true;
     }
     return false;
   }
 
  private:
+  struct SLOT {
+    std::unique_ptr<T> object;
+    ID id = 0;  // of the object; 0 without one
+
+    bool IsEmpty() const { return !object; }
+  };
+
   Status SwapNeighbours(int upper) {
     if (!HoldsRange(upper, 2)) return E_FAIL;
     std::swap(m_slots[static_cast<std::size_t>(upper)],
@@ -253,14 +275,14 @@ class COrderedList {
   // Number of empty slots among `count` from `first` on, which lie in the list.
   std::ptrdiff_t EmptySlots(int first, int count) const {
     const auto from = m_slots.begin() + first;
-    return std::count(from, from + count, nullptr);
+    return std::count_if(from, from + count, std::mem_fn(&SLOT::IsEmpty));
   }
 
   // Closes the empty slots among `count` from `first` on, as far as the list still reaches.
   void CloseEmpty(int first, int count) {
     const auto from = m_slots.begin() + std::min(first, Count());
     const auto end = from + std::min(count, Count() - std::min(first, Count()));
-    m_slots.erase(std::remove(from, end, nullptr), end);
+    m_slots.erase(std::remove_if(from, end, std::mem_fn(&SLOT::IsEmpty)), end);
     m_revision.Touch();
   }
 
@@ -271,7 +293,8 @@ class COrderedList {
   }
 
   CRevision m_revision;
-  std::vector<std::unique_ptr<T>> m_slots;
+  std::vector<SLOT> m_slots;
+  ID m_lastId = 0;
   int m_limit;
 };
 

@@ -62,13 +62,14 @@ Status CInstrument::Initialize() {
   return first;
 }
 
-bool CInstrument::AnnounceReset() {
-  (void)SetEventHandler(m_eventHandler);
+Status CInstrument::AnnounceReset() {
+  (void)SetEventHandler(m_frontEnd.Handler());
   return Tell([](CEventHandler& handler) { handler.OnInstrumentReset(); });
 }
 
 Status CInstrument::Default() {
-  if (!AnnounceReset()) return E_FAIL;
+  const Status told = AnnounceReset();
+  if (Failed(told)) return told;
   for (CModule* module : m_modules) (void)module->Initialize();
   m_enabled = 1;
   m_modified.Set();
@@ -90,14 +91,15 @@ Status CInstrument::Default() {
 }
 
 Status CInstrument::ResetInstrument() {
-  if (!AnnounceReset()) return E_FAIL;
+  const Status told = AnnounceReset();
+  if (Failed(told)) return told;
   for (CModule* module : m_modules) (void)module->UpdateModuleParams();
   ApplySettings(SETTINGS(m_settings));
   return UpdateInhibitControlList();
 }
 
 Status CInstrument::SetEventHandler(CEventHandler* handler) {
-  m_eventHandler = handler;
+  m_frontEnd.SetHandler(handler);
   (void)m_groupManager->SetEventHandler(handler);
   (void)m_blockManager->SetEventHandler(handler);
   (void)m_eventManager->SetEventHandler(handler);
@@ -107,11 +109,11 @@ Status CInstrument::SetEventHandler(CEventHandler* handler) {
 }
 
 Status CInstrument::GetEventHandler(CEventHandler** handler) const {
-  return HandOut(m_eventHandler, handler);
+  return HandOut(m_frontEnd.Handler(), handler);
 }
 
 Status CInstrument::GetInstView(CEventHandler** view) const {
-  return HandOut(m_eventHandler, view);
+  return HandOut(m_frontEnd.Handler(), view);
 }
 
 // --- modules ---
@@ -204,8 +206,8 @@ Status CInstrument::GetInstrumentName(std::string& name) const { return StoreTex
 Status CInstrument::SetInstrumentName(const std::string& name) {
   if (name == m_name) return S_OK;
   const Status status = StoreText(m_name, name);
-  if (!Failed(status)) (void)Tell([](CEventHandler& handler) { handler.OnInstrumentRenamed(); });
-  return status;
+  if (Failed(status)) return status;
+  return Tell([](CEventHandler& handler) { handler.OnInstrumentRenamed(); });
 }
 
 Status CInstrument::RestoreInstrumentName(const std::string& name) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/modified_flag.h"
+#include "base/notifier.h"
 #include "instrument/mode_limits.h"
 #include "quillpg/api.h"
 #include "quillpg/engine_types.h"
@@ -13,6 +14,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quillpg {
@@ -66,6 +68,14 @@ class QUILLPG_API CInstrument {
   Status GetEventHandler(CEventHandler** handler) const;
   /// The front end's object that shows the instrument: the installed handler.
   Status GetInstView(CEventHandler** view) const;
+  /// For what the engine does to the instrument from outside, as CNotifier::Tell: with E_FAIL the
+  /// instrument is gone.
+  template <typename Notify>
+  Status Tell(Notify&& notify) const {
+    return m_frontEnd.Tell(std::forward<Notify>(notify));
+  }
+  /// Expires with the instrument: for callers that let the front end in.
+  std::weak_ptr<const void> Lifetime() const { return m_frontEnd.Lifetime(); }
 
   // --- modules: referenced, master first ---
 
@@ -339,16 +349,8 @@ class QUILLPG_API CInstrument {
   std::array<CSorrelModule*, MAX_INSTRUMENT_MODULES> Hardware() const;
   template <typename Operation, typename... Args>
   Status Forward(int module, Operation operation, Args&&... args) const;
-  /// Calls `notify(handler)` when there is a handler. False when that destroyed the instrument:
-  /// nothing of it may be touched then.
-  template <typename Notify>
-  bool Tell(Notify&& notify) const {
-    const std::weak_ptr<const bool> alive = m_alive;
-    if (m_eventHandler) notify(*m_eventHandler);
-    return !alive.expired();
-  }
-  // As Tell.
-  bool AnnounceReset();
+  // With E_FAIL, with false, the handler has destroyed the instrument.
+  Status AnnounceReset();
   bool RefreshState();
   void ApplySettings(const SETTINGS& settings);
   void EnableOutputs(bool enable) const;
@@ -376,11 +378,9 @@ class QUILLPG_API CInstrument {
   ModuleState m_state = ModuleState::Idle;
   /// Counts the stores of m_state.
   std::uint64_t m_stateChanges = 0;
-  /// Expires with the instrument.
-  std::shared_ptr<const bool> m_alive = std::make_shared<const bool>(true);
   std::vector<int> m_inhibitControls;
   std::vector<std::string> m_inhibitControlNames;
-  CEventHandler* m_eventHandler = nullptr;
+  CNotifier m_frontEnd;
   std::unique_ptr<CGroupManager> m_groupManager;
   std::unique_ptr<CBlockManager> m_blockManager;
   std::unique_ptr<CEventManager> m_eventManager;

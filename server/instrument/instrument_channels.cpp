@@ -48,8 +48,7 @@ Status CInstrument::SetChannelName(int channel, const std::string& name) {
         ->SetChannelName(inModule / ChannelsPerPod(), inModule % ChannelsPerPod(), name);
   });
   if (Failed(status)) return status;
-  (void)Tell([&](CEventHandler& handler) { handler.OnChannelRenamed(name, channel); });
-  return status;
+  return Tell([&](CEventHandler& handler) { handler.OnChannelRenamed(name, channel); });
 }
 
 Status CInstrument::GetChannelDefaultName(int channel, std::string& name) const {

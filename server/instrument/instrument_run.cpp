@@ -92,7 +92,8 @@ bool CInstrument::RefreshState() {
   }
   const std::uint64_t changes = m_stateChanges;
   const int idle = state == ModuleState::Idle ? 1 : 0;
-  if (!Tell([idle](CEventHandler& handler) { handler.OnInstrumentIdle(idle); })) return false;
+  if (Failed(Tell([idle](CEventHandler& handler) { handler.OnInstrumentIdle(idle); })))
+    return false;
   // What the handler did meanwhile stands: it may have run or stopped the instrument.
   if (m_stateChanges != changes || m_state == ModuleState::Idle) return true;
   if (state == ModuleState::Idle) TakeInIdle();

@@ -322,11 +322,11 @@ Status CMergeManager::GetInstrumentAt(int instrument, INSTRUMENT_INFO** info) co
 }
 
 Status CMergeManager::GetModuleId(const MODULE_INFO* info, int& module) const {
-  return Answer(module, m_moduleInfo.PositionOf(info, 0));
+  return Answer(module, m_moduleInfo.PositionOf(info));
 }
 
 Status CMergeManager::GetInstrumentId(const INSTRUMENT_INFO* info, int& instrument) const {
-  return Answer(instrument, m_instrumentInfo.PositionOf(info, 0));
+  return Answer(instrument, m_instrumentInfo.PositionOf(info));
 }
 
 Status CMergeManager::GetInstrumentId(int module, int& instrument) const {

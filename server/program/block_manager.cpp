@@ -64,8 +64,7 @@ Status CBlockManager::InsertBlock(const std::string& name, int size, int positio
   const std::string stored = block->GetBlockName();
   status = InsertBlock(position, std::move(block));
   if (Failed(status)) return status;
-  Tell([&](CEventHandler& handler) { handler.OnBlockListChanged(stored, position, 0); });
-  return S_OK;
+  return Tell([&](CEventHandler& handler) { handler.OnBlockListChanged(stored, position, 0); });
 }
 
 Status CBlockManager::InsertBlock(int position, std::unique_ptr<BLOCK>&& block) {
@@ -117,11 +116,14 @@ void CBlockManager::UpdateListingState(BLOCK& block) const {
 // --- deleting ---
 
 Status CBlockManager::DeleteBlock(int first, int count) {
-  const Status status = m_blocks.RemoveEach(first, count, [this](int position, BLOCK* block) {
+  const auto visit = [this](int position, const BLOCK* block, const auto& destroy) {
     const std::string name = NameOrEmpty(block);
-    Tell([&](CEventHandler& handler) { handler.OnBlockListChanged(name, position, 1); });
-    m_blocks.Destroy(block, position);
-  });
+    const Status told =
+        Tell([&](CEventHandler& handler) { handler.OnBlockListChanged(name, position, 1); });
+    if (!Failed(told)) destroy();
+    return told;
+  };
+  const Status status = m_blocks.RemoveEach(first, count, visit);
   if (!Failed(status)) m_modified.Set();
   return status;
 }
@@ -181,8 +183,7 @@ Status CBlockManager::SetBlockName(int index, const std::string& name) {
     const Status status = block->SetBlockName(std::string(Trim(given)));
     if (Failed(status)) return status;
     m_modified.Set();
-    Tell([&](CEventHandler& handler) { handler.OnBlockRenamed(oldName, given, index); });
-    return S_OK;
+    return Tell([&](CEventHandler& handler) { handler.OnBlockRenamed(oldName, given, index); });
   });
 }
 
@@ -192,13 +193,13 @@ Status CBlockManager::SetBlockSize(int index, int size) {
   (void)block->ResizeBlock(size, DefaultChannelValue());  // S_OK always
   m_modified.Set();
   const std::string name = block->GetBlockName();
-  Tell([&](CEventHandler& handler) { handler.OnBlockResized(name, index); });
-  return S_OK;
+  return Tell([&](CEventHandler& handler) { handler.OnBlockResized(name, index); });
 }
 
 Status CBlockManager::SetBlockInfo(int index, const std::string& name, int size) {
-  (void)SetBlockName(index, name);
-  (void)SetBlockSize(index, size);
+  const auto block = m_blocks.IdAt(index);  // the front end may move it when told of the name
+  if (!Failed(SetBlockName(index, name)))
+    (void)SetBlockSize(m_blocks.PositionOf(block, index), size);
   return S_OK;  // deliberate: whatever the two answered
 }
 
@@ -212,10 +213,9 @@ Status CBlockManager::Moved(Status status, int index, int step) {
   const int neighbour = index + step;
   const std::string name = NameOrEmpty(m_blocks.At(neighbour));
   const std::string neighbourName = NameOrEmpty(m_blocks.At(index));
-  Tell([&](CEventHandler& handler) {
+  return Tell([&](CEventHandler& handler) {
     handler.OnBlocksSwapped(name, index, neighbourName, neighbour);
   });
-  return S_OK;
 }
 
 Status CBlockManager::SetReferencePos(int index, int position, int which) {

@@ -33,11 +33,12 @@ Status CEventManager::InsertEvent(int position, std::unique_ptr<EVENT>&& event) 
 }
 
 Status CEventManager::DeleteEvent(int first, int count) {
-  return Changed(m_list.RemoveEach(first, count, [this](int position, EVENT* event) {
+  const auto visit = [this](int /*position*/, const EVENT* event, const auto& destroy) {
     const std::string name = event ? event->GetEventName() : std::string();
-    m_list.Destroy(event, position);
-    Tell([&](CEventHandler& handler) { handler.OnEventDeleted(name, 1); });
-  }));
+    destroy();
+    return Tell([&](CEventHandler& handler) { handler.OnEventDeleted(name, 1); });
+  };
+  return Changed(m_list.RemoveEach(first, count, visit));
 }
 
 Status CEventManager::DeleteAll() {
@@ -69,15 +70,15 @@ Status CEventManager::SetEvent(int index, EVENT* event) {
 Status CEventManager::SetEventName(int index, const std::string& name) {
   bool renamed = false;
   const Status status = Rename(index, name, renamed);
-  if (renamed) Tell([](CEventHandler& handler) { handler.OnEventListChanged(); });
-  return status;
+  if (!renamed) return status;
+  return Tell([](CEventHandler& handler) { handler.OnEventListChanged(); });
 }
 
 Status CEventManager::SetEventName2(int index, const std::string& name) {
   bool renamed = false;
   const Status status = Rename(index, name, renamed);
-  if (renamed) Tell([index](CEventHandler& handler) { handler.OnEventChanged(index); });
-  return status;
+  if (!renamed) return status;
+  return Tell([index](CEventHandler& handler) { handler.OnEventChanged(index); });
 }
 
 Status CEventManager::MoveUp(int index) { return ListChanged(m_list.MoveUp(index)); }
@@ -106,8 +107,8 @@ Status CEventManager::Rename(int index, const std::string& name, bool& renamed) 
 }
 
 Status CEventManager::ListChanged(Status status) {
-  if (!Failed(Changed(status))) Tell([](CEventHandler& handler) { handler.OnEventListChanged(); });
-  return status;
+  if (Failed(Changed(status))) return status;
+  return Tell([](CEventHandler& handler) { handler.OnEventListChanged(); });
 }
 
 }  // namespace quillpg

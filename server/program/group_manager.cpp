@@ -208,11 +208,15 @@ Status CGroupManager::SetGroupName(int index, const std::string& newName) {
     if (Find(name) >= 0) return PG_E_NAME_USED;
     GROUP* group = m_groups.At(index);
     if (!group) return E_FAIL;
+    const auto id = m_groups.IdAt(index);
     const std::string oldName = group->GetGroupName();
-    const Status status = group->SetGroupName(name);
+    Status status = group->SetGroupName(name);
+    if (!Failed(status))
+      status = Tell([&](CEventHandler& handler) { handler.OnGroupRenamed(oldName, name); });
     if (Failed(status)) return status;
-    Tell([&](CEventHandler& handler) { handler.OnGroupRenamed(oldName, name); });
-    RenameGroupStates(oldName, name);
+    // The front end may have renamed it once more, or deleted it.
+    group = m_groups.At(m_groups.PositionOf(id, index));
+    if (group) RenameGroupStates(oldName, group->GetGroupName());
     return S_OK;
   });
 }
@@ -234,18 +238,26 @@ void CGroupManager::RenameGroupStates(const std::string& oldName,
 Status CGroupManager::DeleteGroup(int index) {
   const GROUP* group = m_groups.At(index);
   if (!group) return E_FAIL;
-  const std::string name = group->GetGroupName();
-  Tell([&](CEventHandler& handler) { handler.OnGroupDeleted(name); });
-  (void)m_groups.Remove(m_groups.PositionOf(group, index));  // the handler may have deleted it
+  const auto id = m_groups.IdAt(index);
+  const Status told = AnnounceDeleted(*group);
+  if (Failed(told)) return told;
+  (void)m_groups.Remove(m_groups.PositionOf(id, index));  // the handler may have deleted it
   UpdateListingState();
   return S_OK;
 }
 
 Status CGroupManager::DeleteAllGroups() {
-  for (int left = m_groups.Count(); left > 0; --left) {
-    if (Failed(DeleteGroup(0))) (void)m_groups.Remove(0);  // an empty slot goes silently
+  for (int left = m_groups.Count(); left > 0 && m_groups.Count() > 0; --left) {
+    // An empty slot goes silently.
+    const Status status = m_groups.At(0) ? DeleteGroup(0) : m_groups.Remove(0);
+    if (Failed(status)) return status;
   }
   return S_OK;
+}
+
+Status CGroupManager::AnnounceDeleted(const GROUP& group) const {
+  const std::string name = group.GetGroupName();
+  return Tell([&](CEventHandler& handler) { handler.OnGroupDeleted(name); });
 }
 
 Status CGroupManager::DeleteAll() {

@@ -110,7 +110,8 @@ class QUILLPG_API CGroupManager : public CProgramManager {
   void RenameGroupStates(const std::string& oldName, const std::string& newName) const;
   void UpdateListingState() const;
   void AppendPlaceholders(int count);
-  void AnnounceAllDeleted() const;
+  Status AnnounceDeleted(const GROUP& group) const;
+  Status AnnounceAllDeleted() const;
   void FillGroup(GROUP& group, int first, int count) const;
 
   COrderedList<GROUP> m_groups;

@@ -99,9 +99,12 @@ Status CGroupManager::CreateGroups(const std::vector<std::string>& names,
                                    const std::vector<std::string>& sizes) {
   if (!Failed(CheckGrouping(names, sizes))) return S_OK;
   if (!Instrument()) return E_FAIL;
+  const auto lifetime = Instrument()->Lifetime();
   if (!CMessageService::Ask(MSG_IMPORT_REPLACE_GROUPS)) return PG_E_ABORTED;
+  if (lifetime.expired()) return E_FAIL;  // deleted while the box stood
   return GuardAllocation([&] {
-    AnnounceAllDeleted();
+    const Status announced = AnnounceAllDeleted();
+    if (Failed(announced)) return announced;
     (void)DeleteAll();
     int maxChannels = 0;
     (void)Instrument()->GetMaxChannels(maxChannels);
@@ -120,14 +123,15 @@ Status CGroupManager::CreateGroups(const std::vector<std::string>& names,
   });
 }
 
-void CGroupManager::AnnounceAllDeleted() const {
+Status CGroupManager::AnnounceAllDeleted() const {
   for (int i = 0; i < m_groups.Count(); ++i) {
     const GROUP* group = m_groups.At(i);
     if (!group) continue;
-    const std::string name = group->GetGroupName();
-    Tell([&](CEventHandler& handler) { handler.OnGroupDeleted(name); });
+    const Status told = AnnounceDeleted(*group);
+    if (Failed(told)) return told;
     UpdateListingState();
   }
+  return S_OK;
 }
 
 void CGroupManager::FillGroup(GROUP& group, int first, int count) const {

@@ -10,7 +10,7 @@ Status CProgramManager::Initialize(CAppServer* server, CInstrument* instrument) 
 }
 
 Status CProgramManager::SetEventHandler(CEventHandler* handler) {
-  m_eventHandler = handler;
+  m_frontEnd.SetHandler(handler);
   return S_OK;
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "base/notifier.h"
 #include "quillpg/api.h"
 #include "quillpg/result_codes.h"
 
 #include <string>
+#include <utility>
 
 namespace quillpg {
 
@@ -36,18 +38,18 @@ class QUILLPG_API CProgramManager {
   CAppServer* Server() const { return m_server; }
   CInstrument* Instrument() const { return m_instrument; }
 
-  /// Calls `notify(handler)` when there is a handler. It may call back into the manager: hand over
-  /// copies of names, never references into the list.
+  /// As CNotifier::Tell: with E_FAIL the manager is gone. The handler may call back into it: hand
+  /// over copies of names, never references into the list.
   template <typename Notify>
-  void Tell(Notify&& notify) const {
-    if (m_eventHandler) notify(*m_eventHandler);
+  Status Tell(Notify&& notify) const {
+    return m_frontEnd.Tell(std::forward<Notify>(notify));
   }
-  CEventHandler* EventHandler() const { return m_eventHandler; }
+  CEventHandler* EventHandler() const { return m_frontEnd.Handler(); }
 
  private:
   CAppServer* m_server = nullptr;
   CInstrument* m_instrument = nullptr;
-  CEventHandler* m_eventHandler = nullptr;
+  CNotifier m_frontEnd;
 };
 
 }  // namespace quillpg

@@ -88,17 +88,24 @@ TEST(OrderedList, SurvivesChangesWhileItRemovesOneByOne) {
               {[](LIST& l) { l.Release(2).reset(); }, "1b3d", "ae"},
               {[](LIST& l) { (void)l.Remove(0); }, "1b2c3d", "e"},
               {[](LIST& l) { (void)l.Remove(1, 2); }, "1b3d", "ae"},
-              {[](LIST& l) { l.Clear(); }, "1b", ""}};
+              {[](LIST& l) { l.Clear(); }, "1b", ""},
+              {[](LIST& l) {  // the new one may come to lie where the old one was
+                 l.Take(1).reset();
+                 (void)l.Insert(1, std::make_unique<ITEM>("n"));
+               },
+               "1b2c3d", "ane"}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.visited);
     LIST list;
     Fill(list, "abcde");
     std::string visited;
-    const Status status = list.RemoveEach(1, 3, [&](int position, const ITEM* item) {
+    const auto visit = [&](int position, const ITEM* item, const auto& destroy) {
       visited += std::to_string(position) + item->name;
       if (visited.size() == 2) row.change(list);
-      list.Destroy(item, position);
-    });
+      destroy();
+      return S_OK;
+    };
+    const Status status = list.RemoveEach(1, 3, visit);
     EXPECT_EQ(status, S_OK);
     EXPECT_EQ(visited, row.visited);
     EXPECT_EQ(Show(list), row.left);
@@ -106,7 +113,10 @@ TEST(OrderedList, SurvivesChangesWhileItRemovesOneByOne) {
   LIST gapped;
   Fill(gapped, "ab");
   (void)gapped.Insert(3, std::make_unique<ITEM>("c"));
-  (void)gapped.RemoveEach(0, 1, [&](int at, const ITEM* item) { gapped.Destroy(item, at); });
+  (void)gapped.RemoveEach(0, 1, [](int, const ITEM*, const auto& destroy) {
+    destroy();
+    return S_OK;
+  });
   EXPECT_EQ(Show(gapped), "b-c");  // a gap of the user's own stays
 }
 
