@@ -88,10 +88,7 @@ Status CVectorPaste::Write() {
   WriteVectors(from);
   (void)m_to->SetChanged(1);
   (void)CProgramView(Target()).Blocks()->SetModified(1);
-  CEventHandler* handler = nullptr;
-  (void)Target().GetEventHandler(&handler);
-  if (handler) handler->OnPatternDataChanged(m_toBlock);
-  return S_OK;
+  return Target().Tell([this](CEventHandler& handler) { handler.OnPatternDataChanged(m_toBlock); });
 }
 
 void CVectorPaste::WriteVectors(const std::uint8_t* from) {
@@ -103,6 +100,7 @@ void CVectorPaste::WriteVectors(const std::uint8_t* from) {
   std::uint8_t* to = m_to->Data() + static_cast<std::size_t>(m_firstTarget) * m_to->RowBytes();
   for (int i = 0; i < m_vectors.count; ++i) {
     for (const PAIR& pair : m_pairs) {
+      std::ranges::fill(value, 0);  // Load sets the words of its own plan alone
       pair.source->Load(from, m_from->RowBytes(), value);
       pair.target->Store(to, m_to->RowBytes(), value);
     }
@@ -134,14 +132,16 @@ Status PairGroups(const CVectorPaste& paste, int sourceFirst, int targetFirst, i
   return S_OK;
 }
 
-// What tells the blocks and groups of a paste from others.
-std::vector<std::string> NamesOf(const CVectorPaste& paste, const GROUP_PAIRS& pairs) {
-  std::vector<std::string> names = {paste.SourceBlock(), paste.TargetBlock()};
+// What tells the blocks and groups of a paste from others: their names, the groups' sizes.
+std::vector<std::string> TraitsOf(const CVectorPaste& paste, const GROUP_PAIRS& pairs) {
+  std::vector<std::string> traits = {paste.SourceBlock(), paste.TargetBlock()};
   for (const GROUP_PAIR& pair : pairs) {
-    names.push_back(pair.source->GetGroupName());
-    names.push_back(pair.target->GetGroupName());
+    for (const GROUP* group : {pair.source, pair.target}) {
+      traits.push_back(group->GetGroupName());
+      traits.push_back(std::to_string(group->GetNoOfChannels()));
+    }
   }
-  return names;
+  return traits;
 }
 
 // Asks the user, then has `find()` look all up anew. What the user agreed to holds for the blocks
@@ -149,11 +149,11 @@ std::vector<std::string> NamesOf(const CVectorPaste& paste, const GROUP_PAIRS& p
 template <typename Question, typename Find>
 Status Confirm(const Question& question, const CVectorPaste& paste, const GROUP_PAIRS& pairs,
                Find&& find) {
-  const std::vector<std::string> names = NamesOf(paste, pairs);
+  const std::vector<std::string> traits = TraitsOf(paste, pairs);
   if (!CMessageService::Ask(question)) return PG_E_ABORTED;
   const Status status = find();
   if (Failed(status)) return status;
-  return NamesOf(paste, pairs) == names ? S_OK : PasteObjectMissing();
+  return TraitsOf(paste, pairs) == traits ? S_OK : PasteObjectMissing();
 }
 
 Status WritePairs(CVectorPaste& paste, const GROUP_PAIRS& pairs) {

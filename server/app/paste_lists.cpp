@@ -10,6 +10,8 @@
 #include "quillpg/app_server.h"
 #include "quillpg/event_handler.h"
 
+#include <cstddef>
+
 namespace quillpg {
 
 namespace {
@@ -92,9 +94,15 @@ Status CAppServer::PasteBlock(CClipboardInfo* info) {
   Status status = sides.Find(*info, m_instrumentManager.get());
   if (!Failed(status)) status = CheckShape(*sides.source, *sides.target);
   if (Failed(status)) return status;
-  const auto target = BlocksOf(*sides.target);
+  auto target = BlocksOf(*sides.target);
   const int first = TargetPosition(*info, target.count());
   std::vector<std::string> pasted;
+  std::size_t inserted = 0;  // fewer when memory runs out on the way
+  target.insert = [&, insert = target.insert](int position, std::unique_ptr<BLOCK>&& copy) {
+    const Status done = insert(position, std::move(copy));
+    if (!Failed(done)) ++inserted;
+    return done;
+  };
   status = PasteObjects(*info, BlocksOf(*sides.source), target, [&](PASTE_COPIES<BLOCK>& copies) {
     CPasteNames names(MSG_UNIQUE_BLOCK);
     names.UseAll(target);
@@ -107,12 +115,13 @@ Status CAppServer::PasteBlock(CClipboardInfo* info) {
     }
     return S_OK;
   });
-  CEventHandler* handler = nullptr;
-  (void)sides.target->GetEventHandler(&handler);
-  if (Failed(status) || !handler) return status;
-  int position = first;
-  for (const std::string& name : pasted) handler->OnBlockListChanged(name, position++, 0);
-  return S_OK;
+  for (std::size_t i = 0; i < inserted; ++i) {
+    const int position = first + static_cast<int>(i);
+    const Status told = sides.target->Tell(
+        [&](CEventHandler& handler) { handler.OnBlockListChanged(pasted[i], position, 0); });
+    if (Failed(told)) return told;
+  }
+  return status;
 }
 
 Status CAppServer::PasteEvent(CClipboardInfo* info) {

@@ -93,7 +93,8 @@ Status PasteObjects(const CClipboardInfo& info, const PASTE_LIST<T>& source,
   status = prepare(copies);
   int position = TargetPosition(info, target.count());
   for (auto copy = copies.begin(); !Failed(status) && copy != copies.end(); ++copy) {
-    // The front end may shorten the list when it hears of a copy: no gap is left.
+    // The front end may shorten the list when it hears of a copy: no gap is left. When it destroys
+    // the instrument instead, the insertion fails.
     status = target.insert(std::min(position++, target.count()), std::move(*copy));
   }
   return status;
