@@ -7,7 +7,6 @@
 #include "program/event_manager.h"
 #include "program/sequence_manager.h"
 #include "program/subsequence_manager.h"
-#include "quillpg/app_server.h"
 #include "quillpg/event_handler.h"
 #include "quillpg/host_services.h"
 #include "quillpg/limits.h"
@@ -63,15 +62,13 @@ class CTestDataWriter {
   }
 
   Status WriteWalkingOnes() {
-    const Status status = DefaultBlock(m_channels);
-    if (Failed(status)) return status;
-    BLOCK& block = *FirstBlock();
-    WriteNumbers(block, [](int) { return 0; });
-    for (int i = 0; i < m_channels; ++i) {
-      const std::size_t row = static_cast<std::size_t>(i) * block.RowBytes();
-      block.Data()[row + static_cast<std::size_t>(i) / 8] = static_cast<std::uint8_t>(1 << i % 8);
-    }
-    return S_OK;
+    return WriteDefaultBlock(m_channels, [this](BLOCK& block) {
+      WriteNumbers(block, [](int) { return 0; });
+      for (int i = 0; i < m_channels; ++i) {
+        const std::size_t row = static_cast<std::size_t>(i) * block.RowBytes();
+        block.Data()[row + static_cast<std::size_t>(i) / 8] = static_cast<std::uint8_t>(1 << i % 8);
+      }
+    });
   }
 
   Status WriteCells() {
@@ -86,11 +83,11 @@ class CTestDataWriter {
 
   Status WriteMaxBlockSize() {
     long size = 0;
-    Status status = m_instrument.GetMaxBlocksize(size);
-    if (!Failed(status) && size > std::numeric_limits<int>::max()) status = E_FAIL;
-    if (!Failed(status)) status = DefaultBlock(static_cast<int>(size));
-    if (!Failed(status)) WriteNumbers(*FirstBlock(), [](int vector) { return vector; });
-    return status;
+    const Status status = m_instrument.GetMaxBlocksize(size);
+    if (Failed(status) || size > std::numeric_limits<int>::max()) return E_FAIL;
+    return WriteDefaultBlock(static_cast<int>(size), [](BLOCK& block) {
+      WriteNumbers(block, [](int vector) { return vector; });
+    });
   }
 
   Status WriteMaxBlocks() {
@@ -129,43 +126,29 @@ class CTestDataWriter {
   Status WriteMaxSequenceLines() { return WriteBlockPerLine(MAX_SEQUENCE_LINES, m_minSize); }
 
  private:
-  BLOCK* FirstBlock() const {
-    BLOCK* block = nullptr;
-    (void)m_blocks->GetBlock(0, &block);
-    return block;
-  }
-
-  // The default block, resized, and the default line that plays it without end. A block that ran
-  // out of memory does not stay.
-  Status DefaultBlock(int size) {
+  // The default block, resized and filled by `fill(block)`, and the default line that plays it
+  // without end. Resized below the smallest size too: the walk over the channels is as long as
+  // there are channels. The front end hears of the size last: whatever it does then meets the
+  // finished data. A block that ran out of memory does not stay.
+  template <typename Fill>
+  Status WriteDefaultBlock(int size, Fill fill) {
     Status status = m_blocks->Default();
     if (!Failed(status)) status = m_sequence->Default();
     if (Failed(status)) return status;
-    Resize(size);
-    BLOCK* block = FirstBlock();  // the front end was told of the size and may have changed it
-    if (block && block->Data() && block->GetBlockSize() == size &&
-        block->GetBlockWidth() >= m_channels) {
-      return S_OK;
+    BLOCK* block = nullptr;
+    (void)m_blocks->GetBlock(0, &block);  // Default has made it
+    const bool resized = block->GetBlockSize() != size;
+    (void)block->ResizeBlock(size, '0');  // S_OK always
+    if (!block->Data() || block->GetBlockWidth() < m_channels) {
+      (void)m_blocks->DeleteAll();
+      return E_FAIL;
     }
-    (void)m_blocks->DeleteAll();
-    return E_FAIL;
-  }
-
-  // Below the smallest size too: the walk over the channels is as long as there are channels.
-  void Resize(int size) {
-    BLOCK* block = FirstBlock();
-    if (!block || block->GetBlockSize() == size) return;
-    if (m_blocks->SetBlockSize(0, size) == S_OK) return;
-    CAppServer* server = nullptr;
-    (void)CAppServer::GetServer(&server);
-    char fill = '0';
-    if (server) (void)server->GetDefaultChannelValue(fill);
-    (void)block->ResizeBlock(size, fill);  // S_OK always
+    fill(*block);
+    (void)block->SetChanged(1);
     (void)m_blocks->SetModified(1);
-    CEventHandler* handler = nullptr;
-    (void)m_instrument.GetEventHandler(&handler);
+    if (!resized) return S_OK;
     const std::string name = block->GetBlockName();
-    if (handler) handler->OnBlockResized(name, 0);
+    return m_instrument.Tell([&](CEventHandler& handler) { handler.OnBlockResized(name, 0); });
   }
 
   template <typename NumberOf>
@@ -218,6 +201,9 @@ class CTestDataWriter {
 
   // Row d is the number d: the least significant bit last, the ninth one at the signal input.
   Status AddEvent(int index) {
+    int count = 0;
+    (void)m_events->GetNoOfEvents(count);
+    if (count != index) return E_FAIL;  // the front end has changed the list meanwhile
     auto event = std::make_unique<EVENT>();
     Status status = event->SetEventName(Name(kEventName, index));
     for (int row = 0; row < MAX_EVENT_DEFINITIONS && !Failed(status); ++row) {

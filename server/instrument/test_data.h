@@ -21,7 +21,8 @@ class CInstrument;
 ///   MaxEvents         8 events of 256 definitions, a line waiting for each
 ///   MaxSequenceLines  4000 lines that each play a block of their own
 ///
-/// E_FAIL without modules and when a step fails, S_OK with nothing done for any other type.
+/// E_FAIL without modules, when a step fails and when the front end destroys the instrument or
+/// changes the list of events while it is told of it, S_OK with nothing done for any other type.
 Status GenerateTestData(CInstrument& instrument, TestDataType type);
 
 }  // namespace quillpg
