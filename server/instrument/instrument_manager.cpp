@@ -120,7 +120,7 @@ Status CInstrumentManager::ReInitialize() {
   for (int i = 0; i < Count();) {
     CInstrument* instrument = At(i);
     if (instrument) (void)instrument->ResetInstrument();  // what the hardware refuses stays
-    if (!instrument || Holds(instrument)) ++i;            // else deleted by its own handler
+    if (At(i) == instrument) ++i;                         // else its handler changed the list
   }
   return S_OK;
 }
