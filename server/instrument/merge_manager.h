@@ -137,7 +137,7 @@ class QUILLPG_API CMergeManager {
   struct PLAN {
     std::string name;
     int firstModule = 0;
-    std::vector<CModule*> modules;  ///< empty for an entry of which nothing is to be made
+    std::vector<int> modules;  ///< in the system; empty for an entry of which nothing is made
     CInstrument* live = nullptr;
   };
 
@@ -145,8 +145,9 @@ class QUILLPG_API CMergeManager {
   int FindInstrument(int module) const;
   int FindFilled(int from, int step) const;
   int ModulesBefore(int instrument) const;
-  std::vector<CModule*> ModulesOf(int instrument) const;
-  CInstrument* LiveWith(const std::vector<CModule*>& modules) const;
+  std::vector<int> ModulesOf(int instrument) const;
+  std::vector<CModule*> Find(const std::vector<int>& modules) const;
+  CInstrument* LiveWith(const std::vector<int>& positions) const;
 
   Status Build();
   int CopyInstruments();
@@ -161,7 +162,7 @@ class QUILLPG_API CMergeManager {
   Status CreateInstruments(std::vector<PLAN>& plan) const;
   CInstrument* CreateInstrument(const PLAN& entry, int position) const;
   void UpdateNewInstrumentNames(const std::vector<PLAN>& plan) const;
-  void MakeCurrent(const std::vector<PLAN>& plan) const;
+  void MakeCurrent(const std::vector<PLAN>& plan, int index) const;
 
   int m_nameCounter = 0;
   int m_currentInstrument = -1;

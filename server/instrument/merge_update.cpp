@@ -46,16 +46,16 @@ Status CMergeManager::Update() {
   const CWaitCursor cursor;
   return GuardAllocation([&] {
     ApplyDeskew(0, m_moduleInfo.Count());
+    // The names let the front end in, which may take up a working copy anew and delete instruments:
+    // from there on only what was read before counts.
+    const bool edited = m_edited;
+    const int current = m_currentInstrument;
     std::vector<PLAN> plan = GetUnchangedInstrumentList();
     DropEmptyEntries();
-    Status status = S_OK;
-    if (m_edited) {
-      DeleteChangedInstruments(plan);
-      status = CreateInstruments(plan);
-    }
-    // The only step that calls the front end, and therefore the last one to use the plan.
+    if (edited) DeleteChangedInstruments(plan);
     UpdateNewInstrumentNames(plan);
-    MakeCurrent(plan);
+    const Status status = edited ? CreateInstruments(plan) : S_OK;
+    MakeCurrent(plan, current);
     return status;
   });
 }
@@ -77,25 +77,35 @@ void CMergeManager::DropEmptyEntries() const {
 }
 
 // The modules that the entry stands for; none when a discovery left fewer than it needs.
-std::vector<CModule*> CMergeManager::ModulesOf(int instrument) const {
+std::vector<int> CMergeManager::ModulesOf(int instrument) const {
   int first = -1;
   int last = -2;
   (void)GetFirstModuleId(instrument, first);
   (void)GetLastModuleId(instrument, last);
-  std::vector<CModule*> modules;
+  std::vector<int> modules;
   for (int i = first; i <= last; ++i) {
     const MODULE_INFO* info = m_moduleInfo.At(i);
-    CModule* module = nullptr;
-    if (info) (void)m_modules->GetModuleAt(info->index, &module);
-    if (!module) return {};
-    modules.push_back(module);
+    modules.push_back(info ? info->index : -1);
   }
-  return modules;
+  return Find(modules).empty() ? std::vector<int>() : modules;
+}
+
+// None when one of them is missing.
+std::vector<CModule*> CMergeManager::Find(const std::vector<int>& modules) const {
+  std::vector<CModule*> found;
+  for (const int position : modules) {
+    CModule* module = nullptr;
+    (void)m_modules->GetModuleAt(position, &module);
+    if (!module) return {};
+    found.push_back(module);
+  }
+  return found;
 }
 
 // The live instrument of exactly these modules, or null. Names do not count: a rename must not cost
 // the data.
-CInstrument* CMergeManager::LiveWith(const std::vector<CModule*>& modules) const {
+CInstrument* CMergeManager::LiveWith(const std::vector<int>& positions) const {
+  const std::vector<CModule*> modules = Find(positions);
   if (modules.empty()) return nullptr;
   for (int i = 0; i < LengthOf(*m_instruments); ++i) {
     CInstrument* live = InstrumentAt(*m_instruments, i);
@@ -135,7 +145,8 @@ void CMergeManager::DeleteChangedInstruments(const std::vector<PLAN>& plan) cons
   }
 }
 
-// Goes on after a failure; the first one is the answer.
+// Goes on after a failure; the first one is the answer. What the front end has deleted by now is
+// not made again.
 Status CMergeManager::CreateInstruments(std::vector<PLAN>& plan) const {
   Status first = S_OK;
   int position = 0;
@@ -145,9 +156,9 @@ Status CMergeManager::CreateInstruments(std::vector<PLAN>& plan) const {
       entry.live = CreateInstrument(entry, position);
       // The defaults have set the deskew to 0.
       ApplyDeskew(entry.firstModule, static_cast<int>(entry.modules.size()));
+      if (!entry.live) first = E_FAIL;
     }
-    if (entry.live) ++position;
-    if (!entry.live) first = E_FAIL;
+    if (m_instruments->Holds(entry.live)) ++position;
   }
   return first;
 }
@@ -157,7 +168,9 @@ CInstrument* CMergeManager::CreateInstrument(const PLAN& entry, int position) co
   auto created = std::make_unique<CInstrument>();
   (void)created->Initialize();  // wires the managers, never fails
   (void)created->SetInstrumentName(entry.name);
-  for (CModule* module : entry.modules) {
+  const std::vector<CModule*> modules = Find(entry.modules);
+  if (modules.empty()) return nullptr;  // the front end has looked for modules meanwhile
+  for (CModule* module : modules) {
     if (Failed(created->AddModule(module))) return nullptr;
   }
   (void)created->Default();  // an unwilling setting does not keep an instrument out
@@ -172,10 +185,10 @@ void CMergeManager::UpdateNewInstrumentNames(const std::vector<PLAN>& plan) cons
   }
 }
 
-void CMergeManager::MakeCurrent(const std::vector<PLAN>& plan) const {
+void CMergeManager::MakeCurrent(const std::vector<PLAN>& plan, int index) const {
   int position = -1;
-  if (m_currentInstrument >= 0 && m_currentInstrument < static_cast<int>(plan.size())) {
-    const CInstrument* current = plan[static_cast<std::size_t>(m_currentInstrument)].live;
+  if (index >= 0 && index < static_cast<int>(plan.size())) {
+    const CInstrument* current = plan[static_cast<std::size_t>(index)].live;
     (void)m_instruments->GetInstrumentPos(current, position);  // -1 when there is none
   }
   (void)m_instruments->SetCurrentInst(position);
