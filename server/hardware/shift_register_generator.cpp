@@ -72,6 +72,7 @@ int CShiftRegisterGenerator::getNextData() {
 // of whole words, and from there on of runs of words. So each pass below makes pieces twice as long
 // as the one before, as soon as there is enough of the stream behind them.
 void CShiftRegisterGenerator::getNextWords(std::span<std::uint64_t> words, std::int64_t count) {
+  count = std::clamp<std::int64_t>(count, 0, std::ssize(words) * 64);
   const auto n = static_cast<std::size_t>(m_registers);
   const auto full = static_cast<std::size_t>(count / 64);
   std::size_t made = 0;

@@ -51,7 +51,7 @@ class QUILLPG_API CShiftRegisterGenerator {
 
   /// The next `count` bits at once, bit i of the stream in bit i % 64 of words[i / 64]; unused bits
   /// of the last word are 0. The same bits, and the same register afterwards, as `count` steps.
-  /// `words` must hold (count + 63) / 64 words.
+  /// As many steps as there is room for; a negative `count` takes none.
   void getNextWords(std::span<std::uint64_t> words, std::int64_t count);
 
  private:
