@@ -47,7 +47,7 @@ void ForEachBlock(const CBlockManager& blocks, Visit visit) {
 
 std::vector<std::string_view> NamesOf(const CGroupManager& groups) {
   std::vector<std::string_view> names;
-  ForEachGroup(groups, [&](const GROUP& group) { names.push_back(group.GetGroupName()); });
+  ForEachGroup(groups, [&](const GROUP& group) { names.push_back(groups.StateName(group)); });
   return names;
 }
 

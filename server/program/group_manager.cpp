@@ -210,15 +210,26 @@ Status CGroupManager::SetGroupName(int index, const std::string& newName) {
     if (!group) return E_FAIL;
     const auto id = m_groups.IdAt(index);
     const std::string oldName = group->GetGroupName();
-    Status status = group->SetGroupName(name);
-    if (!Failed(status))
-      status = Tell([&](CEventHandler& handler) { handler.OnGroupRenamed(oldName, name); });
+    const Status status = group->SetGroupName(name);
     if (Failed(status)) return status;
+    const bool outermost = !m_renamed;
+    if (outermost) {
+      m_renamed = group;
+      m_oldName = oldName;
+    }
+    const Status told =
+        Tell([&](CEventHandler& handler) { handler.OnGroupRenamed(oldName, name); });
+    if (Failed(told)) return told;
+    if (outermost) m_renamed = nullptr;
     // The front end may have renamed it once more, or deleted it.
     group = m_groups.At(m_groups.PositionOf(id, index));
     if (group) RenameGroupStates(oldName, group->GetGroupName());
     return S_OK;
   });
+}
+
+std::string_view CGroupManager::StateName(const GROUP& group) const {
+  return &group == m_renamed ? m_oldName : std::string_view(group.GetGroupName());
 }
 
 void CGroupManager::RenameGroupStates(const std::string& oldName,

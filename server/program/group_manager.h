@@ -92,6 +92,10 @@ class QUILLPG_API CGroupManager : public CProgramManager {
   /// Counts the changes of the list, of the names in it and of the groups' channels.
   std::uint64_t Revision() const { return m_groups.Revision(); }
 
+  /// Name under which the blocks hold the listing states of `group`: its own, but still the old one
+  /// while the front end is told of a new one.
+  std::string_view StateName(const GROUP& group) const;
+
   /// Rows that the blocks' waveform layers share.
   WAVEFORM_ROW_CACHE& WaveformRows() { return m_waveformRows; }
 
@@ -120,6 +124,9 @@ class QUILLPG_API CGroupManager : public CProgramManager {
   mutable std::uint64_t m_indexedRevision = 0;
   mutable int m_lastFound = -1;
   WAVEFORM_ROW_CACHE m_waveformRows;
+  /// While the front end is told of its new name: the group and its old one.
+  const GROUP* m_renamed = nullptr;
+  std::string_view m_oldName;
 };
 
 }  // namespace quillpg

@@ -74,6 +74,18 @@ TEST_F(GroupManager, RenamesTheGroupAndItsStates) {
   EXPECT_THAT(Handler().Take(), ElementsAre("OnGroupRenamed(Data,Address)"));
   EXPECT_THAT(Names(), ElementsAre("Address", "Bus"));
   EXPECT_THAT(StateNames(), ElementsAre("Address", "Bus"));
+  GROUP_STATE* state = nullptr;
+  ASSERT_TRUE(BlockAt(0).GetGroupState("Bus", &state));
+  (void)state->SetRadix(Radix::Octal);
+  Handler().onAny = [this, told = false]() mutable {  // the state goes with the group all the same
+    if (std::exchange(told, true)) return;
+    (void)Groups().AddGroup("More");
+    (void)Groups().SetGroupName(1, "Last");
+  };
+  EXPECT_EQ(Groups().SetGroupName(1, "New"), S_OK);
+  EXPECT_THAT(StateNames(), ElementsAre("Address", "Last", "More"));
+  ASSERT_TRUE(BlockAt(0).GetGroupState("Last", &state));
+  EXPECT_EQ(state->GetRadix(), Radix::Octal);
 }
 
 TEST_F(GroupManager, DeletesAfterTelling) {
