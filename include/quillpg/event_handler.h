@@ -11,8 +11,8 @@ namespace quillpg {
 ///
 /// The order is part of the binary interface: the destructor is position 0, the operations follow
 /// as 1 to 31. The OnFrontEnd ones are the front end's own: the engine never raises them. A handler
-/// may call back into the engine, also to change the list that just announced a change. The
-/// instrument itself may be deleted from OnInstrumentReset and OnInstrumentIdle only.
+/// may call back into the engine, also to change the list that just announced a change and to
+/// delete the instrument itself.
 class QUILLPG_API CEventHandler {
  public:
   virtual ~CEventHandler() = default;

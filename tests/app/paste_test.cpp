@@ -86,7 +86,7 @@ class Paste : public ::testing::Test, public CEngineFixture {
     return text;
   }
   // A group of `channels` neighbouring channels from `first` on.
-  void Group(CInstrument& instrument, const std::string& name, int first, int channels) {
+  static void Group(CInstrument& instrument, const std::string& name, int first, int channels) {
     (void)GroupsOf(instrument).AddGroup(name);
     for (int i = channels; i-- > 0;) (void)instrument.AddChannelToGroup(name, first + i, -1);
   }
@@ -249,6 +249,26 @@ TEST_F(Paste, RefusesWhatDoesNotFitAsAWhole) {
   EXPECT_THAT(Host().boxes, IsEmpty());
 }
 
+TEST_F(Paste, StopsWhenTheFrontEndDeletesTheTarget) {
+  for (const ContentType type : {ContentType::Block, ContentType::Event}) {
+    for (const int last : {1, 3}) {  // an empty slot on the way: a box
+      (void)Server().DefaultSystem();
+      m_source.instrument = &A();
+      m_target.instrument = &B();
+      CProgramBuilder(A()).Block("a").Block("b").Event("a", {}).Event("b", {});
+      (void)CProgramView(A()).Blocks()->InsertBlock("d", 40, 3);
+      (void)CProgramView(A()).Events()->InsertEvent(3, "d");
+      (void)B().SetEventHandler(&m_handler);
+      m_handler.onAny = [this] { (void)Instruments().DeleteInstrumentAt(1); };
+      Host().onBox = m_handler.onAny;
+      EXPECT_EQ(Run(type, 0, last), E_FAIL);
+      int left = 0;
+      (void)Instruments().GetNoOfInstruments(left);
+      EXPECT_EQ(left, 1);
+    }
+  }
+}
+
 TEST_F(Paste, RefusesBlocksBetweenUnlikeInstruments) {
   (void)B().AddModule(&Module(0));
   EXPECT_EQ(Run(ContentType::Block, 0, 0), E_FAIL);
@@ -296,6 +316,25 @@ TEST_F(PasteData, WritesRowsOfAllGroups) {
   info.targetFirst = 1;
   EXPECT_EQ(Run(ContentType::Rows, 0, 3), S_OK);
   EXPECT_EQ(Values(A(), 0, 0, 6), "11 11 22 33 44 00 ");
+}
+
+TEST_F(PasteData, ClearsWhatAWideTargetHasMore) {
+  const auto wide = [](CInstrument& instrument, const std::string& name) {
+    GROUP* group = nullptr;
+    Group(instrument, name, 56, 8);
+    (void)GroupsOf(instrument).GetGroup(name, &group);
+    for (int i = 64; i-- > 0;) (void)group->AddChannel(i, -1);
+  };
+  wide(A(), "Wide");
+  Group(A(), "Slim", 0, 8);
+  wide(B(), "One");
+  wide(B(), "Two");
+  Write("Wide", {"FFFFFFFFFFFFFFFFFF"});
+  info.sourceFirstColumn = 2;
+  info.sourceLastColumn = 3;
+  info.targetFirst = info.targetFirstColumn = 0;
+  EXPECT_EQ(Run(ContentType::GroupColumn, 0, 0), S_OK);
+  EXPECT_EQ(Values(B(), 1, 0, 1), "0000000000000000FF ");
 }
 
 TEST_F(PasteData, AsksBeforeSizesDiffer) {

@@ -79,6 +79,8 @@ TEST(ShiftRegisterGenerator, WordsAreTheStepsOneByOne) {
       CShiftRegisterGenerator plain = fast;
       std::vector<std::uint64_t> words(static_cast<std::size_t>(count + 63) / 64,
                                        ~std::uint64_t{0});
+      fast.getNextWords(words, -1);
+      fast.getNextWords({}, count);  // no room: neither takes a step
       fast.getNextWords(words, count);
       bool same = true;
       for (std::int64_t i = 0; i < count; ++i) {

@@ -118,6 +118,16 @@ TEST(InstrumentRun, TheHandlerMayDestroyTheInstrument) {
       {"default", [](F& f) { return f.Instrument().Default(); }, E_FAIL},
       {"default module", [](F& f) { return f.Server().DefaultModule(); }, E_FAIL},
       {"reset", [](F& f) { return f.Instrument().ResetInstrument(); }, E_FAIL},
+      {"rename", [](F& f) { return f.Instrument().SetInstrumentName("x"); }, E_FAIL},
+      {"rename group", [](F& f) { return f.Groups().SetGroupName(0, "x"); }, E_FAIL},
+      {"delete groups", [](F& f) { return f.Groups().DeleteAllGroups(); }, E_FAIL},
+      {"import groups", [](F& f) { return f.Groups().CreateGroups({"x"}, {"3"}); }, E_FAIL},
+      {"delete block", [](F& f) { return f.Blocks().DeleteBlock(0, 1); }, E_FAIL},
+      {"block info", [](F& f) { return f.Blocks().SetBlockInfo(0, "x", 50); }, S_OK},
+      {"delete event", [](F& f) { return f.Events().DeleteEvent(0, 1); }, E_FAIL},
+      {"walk", [](F& f) { return f.Instrument().CreateTestData(TestDataType::WalkingOnes); },
+       E_FAIL},
+      {"fill", [](F& f) { return f.Instrument().CreateTestData(TestDataType::MaxEvents); }, E_FAIL},
       {"reset all",
        [](F& f) {
          auto next = std::make_unique<CInstrument>();
@@ -134,11 +144,13 @@ TEST(InstrumentRun, TheHandlerMayDestroyTheInstrument) {
     for (const bool running : {false, true}) {
       SCOPED_TRACE(row.story);
       F fixture;
+      (void)fixture.Events().AddEvent("a");
       if (running) (void)fixture.Instrument().Run();
       (void)fixture.Instruments().SetCurrentInst(0);
       fixture.Simulation().SetSequencerText(0, "IDL");
       fixture.Simulation().LogCalls(true);
-      fixture.Handler().onAny = [&] { (void)fixture.Instruments().DeleteInstrument("PG 1"); };
+      fixture.Handler().onAny = [&] { (void)fixture.Instruments().DeleteInstrumentAt(0); };
+      if (running) fixture.Host().onBox = fixture.Handler().onAny;
       EXPECT_EQ(row.act(fixture), row.status);
       EXPECT_THAT(fixture.Simulation().TakeCalls(), IsEmpty());
     }

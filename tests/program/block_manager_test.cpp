@@ -92,6 +92,12 @@ TEST_F(BlockManager, TellsTheNewNameAsGiven) {
               ElementsAre("OnBlockRenamed(a, x ,0)", "OnBlockRenamed(x,x,0)",
                           "OnBlockRenamed(b,z,1)", "OnBlockRenamed(c,,2)", "OnBlockResized(,2)"));
   EXPECT_EQ(Names(), "xzde");
+  Handler().onAny = [this, told = false]() mutable {
+    if (!std::exchange(told, true)) (void)Blocks().MoveDown(0);
+  };
+  EXPECT_EQ(Blocks().SetBlockInfo(0, "y", 90), S_OK);  // the size follows the block
+  EXPECT_EQ(Names(), "zyde");
+  EXPECT_EQ(Block(1)->GetBlockSize(), 90);
 }
 
 }  // namespace
