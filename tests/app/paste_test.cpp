@@ -286,17 +286,20 @@ TEST_F(Paste, RefusesBlocksBetweenUnlikeInstruments) {
 class PasteData : public Paste {
  protected:
   PasteData() {
+    Fill();
+    Write("Lo", {"11", "22", "33", "44"});
+    Write("Hi", {"F01", "F02", "F03", "F04"});
+    m_handler.events.clear();
+    info.targetFirst = 1;
+    ClearModified();
+  }
+  void Fill() {
     for (CInstrument* instrument : {&A(), &B()}) {
       (void)GroupsOf(*instrument).DeleteAll();
       CProgramBuilder(*instrument).Block("a", 40).Block("b", 40);
     }
     Group(A(), "Lo", 0, 8);
     Group(A(), "Hi", 20, 12);
-    Write("Lo", {"11", "22", "33", "44"});
-    Write("Hi", {"F01", "F02", "F03", "F04"});
-    m_handler.events.clear();
-    info.targetFirst = 1;
-    ClearModified();
   }
 };
 
@@ -404,12 +407,7 @@ TEST_F(PasteData, LooksEverythingUpAgainAfterABox) {
       (void)Server().DefaultSystem();
       m_source.instrument = &A();
       m_target.instrument = &B();
-      for (CInstrument* instrument : {&A(), &B()}) {
-        (void)GroupsOf(*instrument).DeleteAll();
-        CProgramBuilder(*instrument).Block("a", 40).Block("b", 40);
-      }
-      Group(A(), "Lo", 0, 8);
-      Group(A(), "Hi", 20, 12);
+      Fill();
       Group(B(), "One", 40, 4);
       Group(B(), "Two", 0, 16);
       (void)B().SetEventHandler(&m_handler);

@@ -52,8 +52,7 @@ TEST(CaptureImport, ChoosesTheLeastHardwareAndPlaysTheCapture) {
   struct Row {
     const char* what;
     int signals;
-    std::int64_t vectors;
-    std::int64_t step;
+    std::int64_t vectors, step;
     LevelAt levelAt;
     ChannelMode mode;
     int modules;

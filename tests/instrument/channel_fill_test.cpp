@@ -27,8 +27,7 @@ TEST(FillChannelData, IsOneStepAVectorChannelAfterChannel) {
     int modules;
     ChannelMode mode;
     std::vector<int> channels;
-    int first;
-    int last;
+    int first, last;
   } rows[] = {
       {"one channel", 1, ChannelMode::Full, {17}, 0, 299},
       {"one module", 1, ChannelMode::Full, Channels(0, 64), 0, 299},

@@ -196,8 +196,7 @@ TEST(FileManager, LoadFlagTurnsTheChecksOff) {
   const std::string none = system.File("none");
   const struct {
     int flag;
-    Status system;
-    Status module;
+    Status system, module;
   } rows[] = {
       {1, S_OK, S_OK}, {2, S_OK, PG_E_FILE_MISSING}, {0, PG_E_FILE_MISSING, PG_E_FILE_MISSING}};
   for (const auto& row : rows) {

@@ -236,20 +236,6 @@ TEST(BadSetupFile, BrokenAtAnyByteIsRefusedByTheModel) {
   }
 }
 
-TEST(BadSetupFile, CutAnywhereLoadsOrNamesNoFile) {
-  CReferenceSystem system("minimal");
-  const std::string whole = system.Folder().Text("original");
-  (void)system.Instruments().SetFileName("");
-  for (std::size_t length = 0; length < whole.size(); ++length) {
-    SCOPED_TRACE(length);
-    const std::string file = system.Folder().Write("cut", whole.substr(0, length));
-    const Status status = system.Server().LoadSystem(file);
-    // What follows the blocks may fail unseen.
-    EXPECT_TRUE(status != S_OK || length > whole.size() / 2);
-    EXPECT_EQ(status == S_OK ? file : "", system.SystemFile());
-  }
-}
-
 // Negative counts, counts beyond the file, in every place that holds one.
 TEST(BadSetupFile, LyingCountsEndInAStatus) {
   for (const char* name : {"simple", "random_a"}) {

@@ -21,8 +21,7 @@ class Block : public testing::Test {
 
 TEST_F(Block, HoldsWholeBytesOfEveryVector) {
   const struct {
-    int size;
-    int width;
+    int size, width;
     char fill;
     int bytes;  // 0: no data
     int value;

@@ -108,8 +108,7 @@ TEST_F(GroupManager, CopyingEmptiesTheTarget) {
 
 TEST_F(GroupManager, CreatesTheGroupsOfAnImport) {
   const struct {
-    std::vector<std::string> names;
-    std::vector<std::string> sizes;
+    std::vector<std::string> names, sizes;
     std::vector<int> counts;  // channels of the groups that are there afterwards
   } rows[] = {{{"a", "b", "c"}, {"2", "3"}, {2, 3, 0}},
               {{"a", "b", "c"}, {"0", "-4", " x"}, {0, 0, 0}},  // no sizes

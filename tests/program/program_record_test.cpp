@@ -26,8 +26,7 @@ void PutBlock(CByteWriter& writer, int size, int width, std::uint64_t data) {
 
 TEST(BlockRecord, SizeAndWidthHaveTheLimitsOfTheFormat) {
   const struct Row {
-    int size;
-    int width;
+    int size, width;
     std::uint64_t data;  // bytes that the file holds
     Status status;
     std::size_t held;  // bytes that the block takes

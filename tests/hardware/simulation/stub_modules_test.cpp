@@ -133,22 +133,5 @@ TEST_F(StubModules, TheFileIsReadWhenAnAnswerIsFirstAskedFor) {
   EXPECT_EQ(5.0F, level);
 }
 
-TEST_F(StubModules, WithoutAFileTheBuiltInAnswersHold) {
-  LoadFromStub(3);
-  EXPECT_EQ("5.0", Ask(3, "OUTPUT:LEVEL? A"));
-  EXPECT_EQ("OPT1S", Ask(5, "SYSTEM:CONFIG:OPT?"));
-  EXPECT_EQ("QUILLMARK,QPG-64,AA123455,SCPI:94.0 FVER:0.17 S", Ask(7, "*idn?"));
-  EXPECT_EQ("none", Ask(7, "SYSTEM:NOTHING?"));
-  EXPECT_EQ("none", Ask(4, "OUTPUT:LEVEL? A"));
-  // Module edits before anything was asked hold, too.
-  m_program.Write("visastub.ini", Section(3, "file"));
-  LoadFromStub(1);
-  Control().Module(0)->pods = "ECL,ECL,ECL,ECL";
-  EXPECT_THAT(Modules(), ElementsAre("3 file"));
-  std::string pods;
-  (void)Control().HardwareModule(0)->GetPodTypes(pods);
-  EXPECT_EQ("ECL,ECL,ECL,ECL", pods);
-}
-
 }  // namespace
 }  // namespace quillpg
