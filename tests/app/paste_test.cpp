@@ -380,12 +380,11 @@ TEST_F(PasteData, WritesColumnsAfterAllQuestions) {
 
 // The front end runs while a box stands: nothing may be written to what it removes then.
 TEST_F(PasteData, LooksEverythingUpAgainAfterABox) {
-  struct ROW {
+  const struct {
     const char* story;
     std::function<void()> act;
     Status status;
-  };
-  const ROW rows[] = {
+  } rows[] = {
       {"the target shrinks", [&] { (void)CProgramView(B()).BlockAt(0)->ResizeBlock(2, 0); }, S_OK},
       {"the source shrinks", [&] { (void)CProgramView(A()).BlockAt(0)->ResizeBlock(2, 0); },
        E_FAIL},
@@ -401,7 +400,7 @@ TEST_F(PasteData, LooksEverythingUpAgainAfterABox) {
   };
   info.targetFirst = info.targetFirstColumn = info.sourceFirstColumn = 0;
   info.sourceLastColumn = 1;
-  for (const ROW& row : rows) {
+  for (const auto& row : rows) {
     for (const ContentType type : {ContentType::Rows, ContentType::GroupColumn}) {
       SCOPED_TRACE(FormatText("%s %d", {row.story, static_cast<int>(type)}));
       (void)Server().DefaultSystem();

@@ -24,7 +24,7 @@ class CPipeBuffer : public std::stringbuf {
 };
 
 TEST(ByteReader, TakesCountedTextsAsTheyAre) {
-  const struct Row {
+  const struct {
     const char* what;
     std::string bytes;
     bool good;
@@ -39,7 +39,7 @@ TEST(ByteReader, TakesCountedTextsAsTheyAre) {
       {"negative count", std::string("\xFF\xFF\xFF\xFF", 4) + "ab", false, "held", 0},
       {"count cut off", std::string("\x01\0\0", 3), false, "held", 0},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
     CByteReader memory(Bytes(row.bytes));
     std::istringstream file(row.bytes);

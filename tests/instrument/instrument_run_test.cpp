@@ -108,12 +108,11 @@ TEST(InstrumentRun, WhatTheHandlerDoesWhenToldOfTheEndStands) {
 
 TEST(InstrumentRun, TheHandlerMayDestroyTheInstrument) {
   using F = CInstrumentFixture;
-  struct ROW {
+  const struct {
     const char* story;
     std::function<Status(F&)> act;
     Status status;
-  };
-  const ROW rows[] = {
+  } rows[] = {
       {"run", [](F& f) { return f.Instrument().Run(); }, S_OK},
       {"default", [](F& f) { return f.Instrument().Default(); }, E_FAIL},
       {"default module", [](F& f) { return f.Server().DefaultModule(); }, E_FAIL},
@@ -140,7 +139,7 @@ TEST(InstrumentRun, TheHandlerMayDestroyTheInstrument) {
        },
        S_OK},
   };
-  for (const ROW& row : rows) {
+  for (const auto& row : rows) {
     for (const bool running : {false, true}) {
       SCOPED_TRACE(row.story);
       F fixture;

@@ -25,7 +25,7 @@ void PutBlock(CByteWriter& writer, int size, int width, std::uint64_t data) {
 }
 
 TEST(BlockRecord, SizeAndWidthHaveTheLimitsOfTheFormat) {
-  const struct Row {
+  const struct {
     int size, width;
     std::uint64_t data;  // bytes that the file holds
     Status status;
@@ -43,7 +43,7 @@ TEST(BlockRecord, SizeAndWidthHaveTheLimitsOfTheFormat) {
       {2097144, 320, 16, PG_E_INSTRUMENT_RECORD, 0},
       {-2147483647 - 1, 64, 0, PG_E_INSTRUMENT_RECORD, 0},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(std::to_string(row.size) + " x " + std::to_string(row.width));
     CByteWriter writer;
     PutBlock(writer, row.size, row.width, row.data);
