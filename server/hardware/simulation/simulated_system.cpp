@@ -11,8 +11,11 @@
 namespace quillpg {
 
 CSimulatedSystem::CSimulatedSystem(CCallMonitor& calls, CVirtualClock& clock)
-    : m_calls(calls), m_clock(clock) {
-  Replace(std::make_unique<CModuleList>(MakeDescriptions(SIMULATED_MODULES, false), calls, clock));
+    : m_calls(calls),
+      m_clock(clock),
+      m_modules(
+          std::make_unique<CModuleList>(MakeDescriptions(SIMULATED_MODULES, false), calls, clock)) {
+  m_clock.SetModules(m_modules->All());
 }
 
 std::vector<SIMULATED_MODULE> CSimulatedSystem::MakeDescriptions(int count, bool option) {
@@ -26,10 +29,12 @@ std::vector<SIMULATED_MODULE> CSimulatedSystem::MakeDescriptions(int count, bool
 }
 
 void CSimulatedSystem::Replace(std::unique_ptr<CModuleList> modules) {
-  m_clock.SetModules(modules->All());
-  m_modules.swap(modules);
-  if (m_handedOut) m_retired.swap(modules);
-  m_handedOut = false;
+  std::vector<CSimulatedModule*> all = modules->All();
+  // Whoever discovered the present modules has let go of those before them.
+  if (std::exchange(m_discovered, false)) m_retired.clear();
+  m_retired.push_back(std::move(m_modules));
+  m_modules = std::move(modules);
+  m_clock.SetModules(std::move(all));
 }
 
 void CSimulatedSystem::SetModules(std::vector<SIMULATED_MODULE> descriptions) {
@@ -80,18 +85,15 @@ Status CSimulatedSystem::GetNextSorrelModule(int& pos, CSorrelModule** module) {
   CSimulatedModule* found = m_modules->At(pos);
   if (!module || !found) return E_FAIL;
   *module = found;
-  m_handedOut = true;
+  m_discovered = true;
   pos = pos + 1 < m_modules->Count() ? pos + 1 : -1;
   return S_OK;
 }
 
 Status CSimulatedSystem::GetModuleAt(int slot, CVXIModule** module) {
   if (!module) return E_FAIL;
-  CSimulatedModule* found = m_modules->InSlot(slot);
-  *module = found;
-  if (!found) return E_FAIL;
-  m_handedOut = true;
-  return S_OK;
+  *module = m_modules->InSlot(slot);
+  return *module ? S_OK : E_FAIL;
 }
 
 Status CSimulatedSystem::IsSorrelModule(Device device, Manufacturer manufacturer, int& is) {

@@ -27,8 +27,8 @@ class CSimulatedSystem final : public CSystem, public CSystemInfo {
   /// `count` equal modules in every second slot from the first one on.
   static std::vector<SIMULATED_MODULE> MakeDescriptions(int count, bool option);
 
-  /// Replaces the modules, and Start keeps these. The engine may still know those that were handed
-  /// out: they live on until modules that were handed out are replaced the next time.
+  /// Replaces the modules, and Start keeps these. The old ones live on until modules that were
+  /// discovered after them are replaced in turn: the engine and the host may still know them.
   void SetModules(std::vector<SIMULATED_MODULE> descriptions);
   /// The configuration file to take instead of the one that is found; empty ends that. Start looks
   /// for modules in it again, whatever SetModules said before.
@@ -63,10 +63,10 @@ class CSimulatedSystem final : public CSystem, public CSystemInfo {
   CCallMonitor& m_calls;
   CVirtualClock& m_clock;
   SIMULATED_MAINFRAME m_mainframe;
-  std::unique_ptr<CModuleList> m_modules;  // never null
-  std::unique_ptr<CModuleList> m_retired;  // replaced, but perhaps still known to the engine
-  bool m_handedOut = false;                // one of m_modules is known outside
-  bool m_hostModules = false;              // the host said which modules there are
+  std::unique_ptr<CModuleList> m_modules;               // never null
+  std::vector<std::unique_ptr<CModuleList>> m_retired;  // replaced, but perhaps still known
+  bool m_discovered = false;                            // m_modules are what the engine knows now
+  bool m_hostModules = false;                           // the host said which modules there are
   std::vector<SIMULATED_MODULE> m_fromStub;
   std::filesystem::path m_stubPath;  // empty: searched for
 };

@@ -50,7 +50,7 @@ class QUILLPG_API CSimulationControl {
 
   /// Replaces the modules by `count` equal ones in slots 3, 5, 7, ... of the mainframe, with or
   /// without the memory option. At most SIMULATED_MOST_MODULES, else E_FAIL. The engine sees them
-  /// at its next discovery; modules that it knows already live on until the replacement after.
+  /// at its next discovery; the old ones live on until the replacement after that.
   Status SetModules(int count, bool option = false);
   /// Replaces the modules by these.
   Status SetModules(std::vector<SIMULATED_MODULE> modules);

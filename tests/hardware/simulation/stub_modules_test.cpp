@@ -96,6 +96,26 @@ TEST_F(StubModules, TheHostsLastWordCounts) {
   EXPECT_EQ(256, Control().ModuleCount());
 }
 
+// A host that looks at modules which the engine has not discovered yet must not end older ones.
+TEST_F(StubModules, ReplacedModulesLiveOnUntilNewerOnesWereDiscovered) {
+  int pos = 1;
+  CSorrelModule* known = nullptr;
+  ASSERT_EQ(S_OK, m_system->GetNextSorrelModule(pos, &known));
+  (void)Control().SetModules(2);
+  CVXIModule* seen = nullptr;
+  EXPECT_EQ(S_OK, m_system->GetModuleAt(3, &seen));
+  LoadFromStub(3);
+  CSorrelModule* looked = Control().HardwareModule(2);
+  (void)Control().SetModules(1);
+  int slot = 0;
+  EXPECT_EQ(S_OK, known->GetSlotNo(slot));
+  EXPECT_EQ(5, slot);
+  EXPECT_EQ(S_OK, looked->GetSlotNo(slot));
+  EXPECT_EQ(7, slot);
+  std::string text;
+  EXPECT_EQ(S_OK, seen->GetModuleProperties(text));
+}
+
 // The engine discovers the modules before the file is written.
 TEST_F(StubModules, TheFileIsReadWhenAnAnswerIsFirstAskedFor) {
   m_program.Write("visastub.ini", Section(3, "old"));
