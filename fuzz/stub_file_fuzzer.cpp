@@ -1,6 +1,6 @@
 // Reads any bytes as a simulation configuration file and asks each of its modules. The bytes up to
-// the first zero are the command. A reply must come from the file or from an earlier command, must
-// come again and again or never, and a module's identity must be readable without using up answers.
+// the first zero are the command. A reply must be the one foretold, must come from the file or from
+// an earlier command, and a module's identity must be readable without using up answers.
 
 #include "hardware/simulation/stub_file.h"
 
@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <sstream>
 #include <string>
 
@@ -23,16 +24,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (file.Read(text) != quillpg::S_OK) return 0;
 
   for (int module = 0; module < std::min(file.ModuleCount(), 64); ++module) {
-    const std::string* before = file.Next(module, command);
-    const std::string next = before ? *before : std::string();
+    const std::optional<std::string> before = file.Next(module, command);
     quillpg::SIMULATED_MODULE identity;
     quillpg::ApplyStubAnswers(file, module, identity);
-    const std::string* after = file.Next(module, command);
-    if ((before == nullptr) != (after == nullptr) || (after && *after != next)) std::abort();
+    if (file.Next(module, command) != before) std::abort();
     for (int i = 0; i < 8; ++i) {
+      const std::optional<std::string> next = file.Next(module, command);
       std::string reply = "untouched";
       const bool answered = file.Query(module, command, reply) == quillpg::S_OK;
-      if (!answered && (reply != "untouched" || file.Next(module, command))) std::abort();
+      if (answered != next.has_value() || reply != next.value_or("untouched")) std::abort();
       if (answered && reply.find('\n') < command.find('\n')) std::abort();
     }
   }

@@ -49,7 +49,8 @@ bool TakeNumber(std::string_view& text, int& number) {
 bool TakeLine(std::streambuf& bytes, std::size_t& left, std::string& line) {
   using traits = std::streambuf::traits_type;
   line.clear();
-  for (; left > 0; --left) {
+  while (left > 0) {
+    --left;
     const traits::int_type byte = bytes.sbumpc();
     if (traits::eq_int_type(byte, traits::eof())) return false;
     const char c = traits::to_char_type(byte);
@@ -72,6 +73,16 @@ fs::path FindIn(const std::string& folder) {
     if (entry->is_regular_file(unknown) && (found.empty() || path < found)) found = path;
   }
   return found;
+}
+
+// Where an answer is searched: the module's commands, the common ones, then the defaults likewise.
+template <typename Scope, typename Ask, typename AskDefault>
+std::optional<STUB_RESPONSE> Search(Scope& own, Scope& common, Ask ask, AskDefault askDefault) {
+  std::optional<STUB_RESPONSE> response = ask(own);
+  if (!response) response = ask(common);
+  if (!response) response = askDefault(own);
+  if (!response) response = askDefault(common);
+  return response;
 }
 
 }  // namespace
@@ -153,20 +164,22 @@ StubTermination CStubFile::Termination(int module) const {
 
 Status CStubFile::Query(int module, std::string_view command, std::string& reply) {
   return GuardAllocation([&] {
-    CStubScope& own = m_modules[static_cast<std::size_t>(module)].answers;
-    std::optional<STUB_RESPONSE> response = own.Answer(command);
-    if (!response) response = m_common.answers.Answer(command);
-    if (!response) response = own.AnswerDefault();
-    if (!response) response = m_common.answers.AnswerDefault();
+    const std::optional<STUB_RESPONSE> response = Search(
+        m_modules[static_cast<std::size_t>(module)].answers, m_common.answers,
+        [&](CStubScope& scope) { return scope.Answer(command); },
+        [](CStubScope& scope) { return scope.AnswerDefault(); });
     if (!response) return E_FAIL;
     reply = Text(*response);
     return S_OK;
   });
 }
 
-const std::string* CStubFile::Next(int module, std::string_view command) const {
-  const std::string* own = Scope(module).answers.Next(command);
-  return own ? own : m_common.answers.Next(command);
+std::optional<std::string> CStubFile::Next(int module, std::string_view command) const {
+  const std::optional<STUB_RESPONSE> response = Search(
+      Scope(module).answers, m_common.answers,
+      [&](const CStubScope& scope) { return scope.Next(command); },
+      [](const CStubScope& scope) { return scope.NextDefault(); });
+  return response ? std::optional(Text(*response)) : std::nullopt;
 }
 
 std::string CStubFile::Text(const STUB_RESPONSE& response) const {

@@ -50,8 +50,8 @@ class QUILLPG_API CStubFile {
   /// Answers as the module would; the reply comes without termination. E_FAIL, with `reply`
   /// untouched, for a command that has no answer.
   Status Query(int module, std::string_view command, std::string& reply);
-  /// The answer that the next such query would get, left where it is; null when there is none.
-  const std::string* Next(int module, std::string_view command) const;
+  /// The reply that Query would give, with nothing changed; nothing when there is none.
+  std::optional<std::string> Next(int module, std::string_view command) const;
 
   // --- what holds for the whole file: kept, of no effect here ---
 

@@ -79,16 +79,23 @@ std::optional<double> ReadNumber(std::string_view text) {
 }
 
 std::optional<double> ReadValue(std::string_view text, double most) {
+  std::optional<double> value = ReadNumber(text);
+  if (most == kAny) return value;
   for (const WORD& word : kWords) {
-    if (EqualNoCase(text, word.text)) return word.value;
+    if (EqualNoCase(text, word.text)) value = word.value;
   }
-  const std::optional<double> number = ReadNumber(text);
-  const bool fits = most == kAny || (number && *number >= 0 && *number <= most);
-  return fits ? number : std::nullopt;
+  const bool fits = value && *value >= 0 && *value <= most && *value == std::trunc(*value);
+  return fits ? value : std::nullopt;
+}
+
+// Nothing where the file says nothing.
+std::optional<std::string> Ask(const CStubFile& file, int module, std::string_view command) {
+  const std::string reply = file.Next(module, command).value_or("");
+  const std::string_view text = Trim(reply);
+  return text.empty() ? std::nullopt : std::optional<std::string>(text);
 }
 
 std::string_view Unquoted(std::string_view text) {
-  text = Trim(text);
   const bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
   return quoted ? text.substr(1, text.size() - 2) : text;
 }
@@ -100,7 +107,7 @@ void ApplySetting(const CStubFile& file, int module, const SETTING_QUERY& query,
   std::string command(query.command);
   if (query.asked != Asked::Module) command += {' ', pod};
   if (query.asked == Asked::Indexed) command += {',', static_cast<char>('0' + index)};
-  const std::string* reply = file.Next(module, command);
+  const std::optional<std::string> reply = Ask(file, module, command);
   const std::optional<double> value =
       reply ? ReadValue(Unquoted(*reply), query.most) : std::nullopt;
   if (value) settings.Store(query.setting, place, *value);
@@ -123,17 +130,12 @@ void ApplyIdentification(std::string_view reply, SIMULATED_MODULE& target) {
 }  // namespace
 
 void ApplyStubAnswers(const CStubFile& file, int module, SIMULATED_MODULE& target) {
-  if (const std::string* reply = file.Next(module, "*IDN?")) ApplyIdentification(*reply, target);
-  if (const std::string* reply = file.Next(module, "SYSTEM:SNUM?")) {
-    target.serial = Unquoted(*reply);
+  if (const auto reply = Ask(file, module, "*IDN?")) ApplyIdentification(*reply, target);
+  if (const auto reply = Ask(file, module, "SYSTEM:SNUM?")) target.serial = Unquoted(*reply);
+  if (const auto reply = Ask(file, module, "SYSTEM:CONFIG:OPT?")) {
+    target.option = FoldCase(*reply).find(FoldCase(SIMULATED_OPTION)) != std::string::npos;
   }
-  if (const std::string* reply = file.Next(module, "SYSTEM:CONFIG:OPT?")) {
-    target.option =
-        FoldCase(std::string_view(*reply)).find(FoldCase(SIMULATED_OPTION)) != std::string::npos;
-  }
-  if (const std::string* reply = file.Next(module, "SYSTEM:CONFIG:POD?")) {
-    target.pods = Unquoted(*reply);
-  }
+  if (const auto reply = Ask(file, module, "SYSTEM:CONFIG:POD?")) target.pods = Unquoted(*reply);
   for (const SETTING_QUERY& query : kQueries) {
     const int pods = query.asked == Asked::Module ? 1 : NUM_PODS;
     const int indexes = query.asked == Asked::Indexed ? NUM_VARIABLE_CHANNELS : 1;

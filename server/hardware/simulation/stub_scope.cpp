@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace quillpg {
@@ -10,6 +11,10 @@ namespace {
 constexpr std::string_view kDefault = "[DEFAULT]<";
 
 bool IsPrintable(char c) { return c >= ' ' && c <= '~'; }
+
+bool Captures(const STUB_RESPONSE& response, std::string_view rest) {
+  return response.mode == 'C' && !Trim(rest).empty();
+}
 
 bool Fits(const STUB_RESPONSE& response, std::string_view rest) {
   return !response.whole || rest.empty() || !IsPrintable(rest.front());
@@ -23,7 +28,7 @@ std::optional<STUB_RESPONSE> ParseStubResponse(std::string_view line) {
   STUB_RESPONSE response;
   response.isDefault = line.starts_with(kDefault);
   const std::size_t end = response.isDefault ? kDefault.size() - 1 : line.find_first_of("<]");
-  if (end == std::string_view::npos) return std::nullopt;
+  if (end == 0 || end == std::string_view::npos) return std::nullopt;
   response.command = line.substr(0, end);
   response.whole = line[end] == ']';
   line.remove_prefix(end + 1);
@@ -46,15 +51,25 @@ void CStubScope::Add(STUB_RESPONSE&& response) {
   }
   std::string command = FoldCase(std::string_view(response.command));
   const auto [found, added] = m_ringOf.try_emplace(command, m_rings.size());
-  if (added) m_rings.emplace_back().command = std::move(command);
+  if (added) {
+    m_lengths.insert(command.size());
+    m_rings.emplace_back().command = std::move(command);
+  }
   m_rings[found->second].responses.push_back(std::move(response));
 }
 
-// `folded` is the received text in lower case.
+// `folded` is the received text in lower case. Looks up its beginnings, so that a file of many
+// commands costs no more than one of few.
 std::optional<CStubScope::PLACE> CStubScope::Find(std::string_view folded) const {
-  for (std::size_t i = 0; i < m_rings.size(); ++i) {
+  std::vector<std::size_t> fitting;
+  for (const std::size_t length : m_lengths) {
+    if (length > folded.size()) break;
+    const auto found = m_ringOf.find(std::string(folded.substr(0, length)));
+    if (found != m_ringOf.end()) fitting.push_back(found->second);
+  }
+  std::ranges::sort(fitting);  // the order of the file
+  for (const std::size_t i : fitting) {
     const RING& ring = m_rings[i];
-    if (!folded.starts_with(ring.command)) continue;
     const std::string_view rest = folded.substr(ring.command.size());
     const std::size_t count = ring.responses.size();
     for (std::size_t step = 0; step < count; ++step) {
@@ -65,14 +80,18 @@ std::optional<CStubScope::PLACE> CStubScope::Find(std::string_view folded) const
   return std::nullopt;
 }
 
+STUB_RESPONSE CStubScope::Peek(const STUB_RESPONSE& response, std::string_view rest) {
+  STUB_RESPONSE next = response;
+  if (Captures(response, rest)) next.response.clear();
+  return next;
+}
+
 STUB_RESPONSE CStubScope::Take(RING& ring, std::size_t place, std::string_view rest) {
   STUB_RESPONSE& response = ring.responses[place];
-  STUB_RESPONSE taken = response;
-  const std::string_view received = Trim(rest);
-  if (response.mode == 'C' && !received.empty()) {
-    response.response = received;
+  STUB_RESPONSE taken = Peek(response, rest);
+  if (Captures(response, rest)) {
+    response.response = Trim(rest);
     response.captured = true;
-    taken.response.clear();
   }
   ring.next = place + 1;
   if (response.mode == 'O') {
@@ -95,9 +114,16 @@ std::optional<STUB_RESPONSE> CStubScope::AnswerDefault() {
   return Take(m_default, m_default.next, {});
 }
 
-const std::string* CStubScope::Next(std::string_view received) const {
+std::optional<STUB_RESPONSE> CStubScope::Next(std::string_view received) const {
   const std::optional<PLACE> place = Find(FoldCase(received));
-  return place ? &m_rings[place->ring].responses[place->response].response : nullptr;
+  if (!place) return std::nullopt;
+  const RING& ring = m_rings[place->ring];
+  return Peek(ring.responses[place->response], received.substr(ring.command.size()));
+}
+
+std::optional<STUB_RESPONSE> CStubScope::NextDefault() const {
+  if (m_default.responses.empty()) return std::nullopt;
+  return Peek(m_default.responses[m_default.next], {});
 }
 
 }  // namespace quillpg

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -35,8 +36,9 @@ class QUILLPG_API CStubScope {
   std::optional<STUB_RESPONSE> Answer(std::string_view received);
   /// The same from the lines that answer when nothing else does.
   std::optional<STUB_RESPONSE> AnswerDefault();
-  /// The answer that is next, without taking it; null when no command fits.
-  const std::string* Next(std::string_view received) const;
+  /// What Answer and AnswerDefault would give, with nothing changed.
+  std::optional<STUB_RESPONSE> Next(std::string_view received) const;
+  std::optional<STUB_RESPONSE> NextDefault() const;
 
  private:
   // The responses to one command.
@@ -51,10 +53,12 @@ class QUILLPG_API CStubScope {
   };
 
   std::optional<PLACE> Find(std::string_view folded) const;
+  static STUB_RESPONSE Peek(const STUB_RESPONSE& response, std::string_view rest);
   static STUB_RESPONSE Take(RING& ring, std::size_t response, std::string_view rest);
 
   std::vector<RING> m_rings;
   std::unordered_map<std::string, std::size_t> m_ringOf;  // by command, lower case
+  std::set<std::size_t> m_lengths;                        // of the commands
   RING m_default;
 };
 

@@ -54,6 +54,7 @@ TEST(StubFile, AnswersAsTheLinesSay) {
       {">OUT?]>1>\n", "OUT?\r\n", "1|"},
       {">OUT?]>1>\n", "OUT? ", "none|"},
       {">A<>1>\n>AB<>2>\n", "AB", "1|1|"},
+      {">AB<>1>\n>A<>2>\n", "ABC", "1|1|"},
       // turns and modes
       {">A<>1>\n>B<>x>\n>a<>2>N\n>A<>3>\n", "A", "1|2|3|1|"},
       {">A<>1>\n>A<>2>O\n>A<>3>\n", "A", "1|2|3|1|3|"},
@@ -63,7 +64,8 @@ TEST(StubFile, AnswersAsTheLinesSay) {
       {">[DEFAULT]<>d>O\n>[DEFAULT]<>e>\n>A<>1>O\n", "A", "1|d|e|e|"},
       {">[default]<>d>\n", "A", "none|"},
       // lines that violate the syntax
-      {">A<1>\n>A>1>\n><\n>A<>1\n>A<>1>X\n>A<>1>NN\n>A<>1> \n >A<>1>\n>A<>2>\r\n", "A", "2|2|"},
+      {">A<1>\n>A>1>\n><\n><>1>\n>]>1>\n>A<>1\n>A<>1>X\n>A<>1>NN\n>A<>1> \n >A<>1>\n>A<>2>\r\n",
+       "A", "2|2|"},
       {"#>A<>1>\n[NOTHING]\n[TERMINATION\n>A<>2>\n>A<>3>", "A", "2|2|"},
       {">A<>" + longest + ">\n>A<>2>\n", "A", "2|2|"},
   };
@@ -87,6 +89,14 @@ TEST(StubFile, KeepsWhatItIsSentAndNeverTakesItForAFile) {
   EXPECT_EQ("5", Ask(file, "SET"));
   EXPECT_EQ("", Ask(file, "set  @secret "));
   EXPECT_EQ("@secret", Ask(file, "SET"));
+}
+
+TEST(StubFile, LineEndsCountForTheLengthOfAFile) {
+  for (const std::size_t room : {0U, 16U}) {
+    CStubFile file;
+    Read(file, std::string(CStubFile::MOST_FILE_BYTES - room, '\n') + kModule);
+    EXPECT_EQ(room / 16, static_cast<std::size_t>(file.ModuleCount()));
+  }
 }
 
 TEST(StubFile, EachModuleHasItsOwnLinesAndSharesTheFirst) {
@@ -163,8 +173,9 @@ TEST(StubFile, UnreadableAnswersLeaveTheSettingAsItWas) {
     const char* reply;
     double mode;    // FULL is 1
     double period;  // 1e-4
-  } rows[] = {{"HALF", 0, 0}, {" \"0\" ", 0, 0},  {"7", 1, 7},      {"-1", 1, -1},
-              {"", 1, 1e-4},  {"words", 1, 1e-4}, {"nan", 1, 1e-4}, {"1e300", 1, 1e-4}};
+  } rows[] = {{"half", 0, 1e-4},  {" \"0\" ", 0, 0}, {"7", 1, 7},       {"-1", 1, -1},
+              {"0.5", 1, 0.5},    {"R1", 1, 1e-4},   {"", 1, 1e-4},     {"\"\"", 1, 1e-4},
+              {"words", 1, 1e-4}, {"nan", 1, 1e-4},  {"1e300", 1, 1e-4}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.reply);
     const std::string tail = std::string("<>") + row.reply + ">\n";
@@ -175,6 +186,25 @@ TEST(StubFile, UnreadableAnswersLeaveTheSettingAsItWas) {
     EXPECT_EQ(row.mode, module.settings.At(Setting::ChannelMode));
     EXPECT_EQ(row.period, module.settings.At(Setting::ClockPeriod));
   }
+}
+
+TEST(StubFile, IdentityIsWhatWouldBeAnsweredAndUsesNothingUp) {
+  CTemporaryFolder folder;
+  folder.Write("identity", "QUILLMARK, QPG-65,AA1,FVER:1.25\r\n");
+  CStubFile file;
+  ASSERT_EQ(S_OK,
+            file.Open(folder.Write("a.ini", std::string(kModule) +
+                                                ">*IDN?<>@identity>O\n>SYSTEM:SNUM?<>@none>\n"
+                                                ">OUTPUT:LEVEL?<>3.5>C\n>[DEFAULT]<>1.5>O\n")));
+  SIMULATED_MODULE module;
+  ApplyStubAnswers(file, 0, module);
+  EXPECT_EQ("QPG-65 1.25 AA123456", module.model + " " + module.firmware + " " + module.serial);
+  EXPECT_EQ(1.5, module.settings.At(Setting::ClockPeriod));
+  EXPECT_EQ(1, module.settings.At(Setting::ChannelMode));    // 1.5 is none
+  EXPECT_EQ(5.0, module.settings.At(Setting::OutputLevel));  // 'A' is received, nothing answered
+  EXPECT_EQ("QUILLMARK, QPG-65,AA1,FVER:1.25\r\n", Ask(file, "*IDN?"));
+  EXPECT_EQ("3.5", Ask(file, "OUTPUT:LEVEL?"));
+  EXPECT_EQ("1.5", Ask(file, "*IDN?"));
 }
 
 }  // namespace
