@@ -11,10 +11,7 @@
 namespace quillpg {
 
 CSimulatedSystem::CSimulatedSystem(CCallMonitor& calls, CVirtualClock& clock)
-    : m_calls(calls),
-      m_clock(clock),
-      m_modules(
-          std::make_unique<CModuleList>(MakeDescriptions(SIMULATED_MODULES, false), calls, clock)) {
+    : m_calls(calls), m_clock(clock), m_modules(MakeDefault()) {
   m_clock.SetModules(m_modules->All());
 }
 
@@ -28,12 +25,18 @@ std::vector<SIMULATED_MODULE> CSimulatedSystem::MakeDescriptions(int count, bool
   return descriptions;
 }
 
+std::unique_ptr<CModuleList> CSimulatedSystem::MakeDefault() const {
+  return std::make_unique<CModuleList>(MakeDescriptions(SIMULATED_MODULES, false), m_calls,
+                                       m_clock);
+}
+
 void CSimulatedSystem::Replace(std::unique_ptr<CModuleList> modules) {
   std::vector<CSimulatedModule*> all = modules->All();
   // Whoever discovered the present modules has let go of those before them.
   if (std::exchange(m_discovered, false)) m_retired.clear();
   m_retired.push_back(std::move(m_modules));
   m_modules = std::move(modules);
+  m_declared = false;
   m_clock.SetModules(std::move(all));
 }
 
@@ -52,18 +55,23 @@ Status CSimulatedSystem::Start() {
     if (m_hostModules || m_mainframe.hardwarePresent) return S_OK;
     auto file = std::make_unique<CStubFile>();
     const std::filesystem::path path = m_stubPath.empty() ? FindStubFile() : m_stubPath;
-    if (path.empty() || file->Open(path) != S_OK) return S_OK;
+    if (path.empty() || file->Open(path) != S_OK) {
+      if (m_declared) Replace(MakeDefault());
+      return S_OK;
+    }
     const int count = std::min(file->ModuleCount(), SIMULATED_MOST_MODULES);
+    const int first = file->ModuleCount() - count;  // of too many the last, as for a setup file
     std::vector<SIMULATED_MODULE> descriptions = MakeDescriptions(count, false);
     for (int i = 0; i < count; ++i) {
-      const STUB_DECLARATION& declared = file->Declaration(i);
+      const STUB_DECLARATION& declared = file->Declaration(first + i);
       SIMULATED_MODULE& module = descriptions[static_cast<std::size_t>(i)];
       module.slot = declared.slot;
       module.manufacturer = static_cast<Manufacturer>(declared.manufacturer);
     }
     auto modules = std::make_unique<CModuleList>(std::move(descriptions), m_calls, m_clock);
-    modules->TakeFile(std::move(file), 0);
+    modules->TakeFile(std::move(file), first);
     Replace(std::move(modules));
+    m_declared = true;
     return S_OK;
   });
 }
@@ -119,6 +127,7 @@ Status CSimulatedSystem::GetControllerProperties(int /*controller*/, std::string
 
 // --- modules of a setup file ---
 
+// No answer of a file is kept outside the list that is replaced, so there is none to drop here.
 Status CSimulatedSystem::PrepareLoadFromStub() {
   m_fromStub.clear();
   return S_OK;

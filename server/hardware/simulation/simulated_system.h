@@ -34,7 +34,7 @@ class CSimulatedSystem final : public CSystem, public CSystemInfo {
   /// for modules in it again, whatever SetModules said before.
   void SetStubFile(const std::string& path);
   /// Makes the modules that the configuration file declares, when there is one, no hardware, and no
-  /// modules of the host.
+  /// modules of the host. Those of a file that is gone give way to the default.
   Status Start();
 
   // CSystem
@@ -58,6 +58,7 @@ class CSimulatedSystem final : public CSystem, public CSystemInfo {
   Status GetFrontPanelConfig(std::string& text) override;
 
  private:
+  std::unique_ptr<CModuleList> MakeDefault() const;
   void Replace(std::unique_ptr<CModuleList> modules);
 
   CCallMonitor& m_calls;
@@ -66,7 +67,8 @@ class CSimulatedSystem final : public CSystem, public CSystemInfo {
   std::unique_ptr<CModuleList> m_modules;               // never null
   std::vector<std::unique_ptr<CModuleList>> m_retired;  // replaced, but perhaps still known
   bool m_discovered = false;                            // m_modules are what the engine knows now
-  bool m_hostModules = false;                           // the host said which modules there are
+  bool m_declared = false;     // m_modules are those that a configuration file declared at start
+  bool m_hostModules = false;  // the host said which modules there are
   std::vector<SIMULATED_MODULE> m_fromStub;
   std::filesystem::path m_stubPath;  // empty: searched for
 };

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <vector>
 
 namespace quillpg {
@@ -79,6 +80,10 @@ TEST_F(StubModules, StartTakesTheFileBesideTheProgramThenTheSystems) {
   Control().Mainframe().hardwarePresent = false;
   ASSERT_EQ(S_OK, m_hardware.Initialize());
   EXPECT_THAT(Modules(), ElementsAre());  // a file that declares none
+  std::filesystem::remove(m_program.File("VisaStub.ini"));
+  std::filesystem::remove(m_other.File("VISASTUB.INI"));
+  ASSERT_EQ(S_OK, m_hardware.Initialize());
+  EXPECT_EQ(5U, Modules().size());
 }
 
 TEST_F(StubModules, TheHostsLastWordCounts) {
@@ -90,10 +95,11 @@ TEST_F(StubModules, TheHostsLastWordCounts) {
   ASSERT_EQ(S_OK, m_hardware.Initialize());
   EXPECT_THAT(Modules(), ElementsAre("4 X"));
   std::string many;
-  for (int i = 0; i < 300; ++i) many += Section(i, "M");
+  for (int i = 0; i < 300; ++i) many += Section(i, std::to_string(i));
   m_other.Write("any.name", many);
   ASSERT_EQ(S_OK, m_hardware.Initialize());
   EXPECT_EQ(256, Control().ModuleCount());
+  EXPECT_EQ("44 44", Modules().front());
 }
 
 // A host that looks at modules which the engine has not discovered yet must not end older ones.
