@@ -28,6 +28,7 @@ QUILLPG_API bool IsQuery(std::string_view operation);
 class QUILLPG_API CCallSink {
  public:
   virtual ~CCallSink() = default;
+  /// Do not add or remove sinks, or replace modules, from here.
   virtual void OnCall(const MODULE_CALL& call) = 0;
 };
 
