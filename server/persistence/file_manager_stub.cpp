@@ -9,8 +9,6 @@
 #include "quillpg/app_server.h"
 #include "quillpg/limits.h"
 
-#include <algorithm>
-
 namespace quillpg {
 namespace {
 
@@ -18,8 +16,7 @@ VISA_STUB_MODULE MakeEntry(int position, std::int32_t depth) {
   VISA_STUB_MODULE entry;
   entry.slot = SIMULATED_FIRST_SLOT + SIMULATED_MODULE_SLOTS * position;
   // Deeper than without the option: the option is fitted.
-  entry.option =
-      static_cast<int>(std::max(depth - std::int64_t{DEFAULT_MEMORY_DEPTH}, std::int64_t{0}));
+  entry.option = depth > DEFAULT_MEMORY_DEPTH ? 1 : 0;
   entry.pods = SIMULATED_PODS;
   return entry;
 }
