@@ -136,6 +136,7 @@ class QUILLPG_API CAppServer {
   Status SaveModule(std::string& name, std::string& comment, int flag);
   Status GetFileName(std::string& name);
   Status SetFileName(const std::string& name);
+  /// Names the file that CFileManager::GenerateVisaStub writes and forgets its modules so far.
   Status InitializeVisaStubFile(const std::string& path);
 
   // --- versions ---
