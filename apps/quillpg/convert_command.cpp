@@ -4,6 +4,7 @@
 #include "instrument/instrument_manager.h"
 #include "instrument/merge_manager.h"
 #include "interrupt.h"
+#include "pending_file.h"
 #include "persistence/file_manager.h"
 #include "persistence/visa_stub_gen.h"
 #include "program_file.h"
@@ -131,6 +132,9 @@ int RunCommand(const TEST_DATA_OPTIONS& options) {
 }
 
 int RunCommand(const SIM_CONFIG_OPTIONS& options) {
+  if (IsSameFile(options.out, options.file)) {
+    return Refuse(options.out + ": cannot be output and input at once");
+  }
   CTerminalRouter router(false);
   CServerSession session(router);
   CSetupFile file;

@@ -1,6 +1,14 @@
 #include "pending_file.h"
 
+#include <filesystem>
+#include <system_error>
+
 namespace quillpg::tool {
+
+bool IsSameFile(const std::string& path, const std::string& other) {
+  std::error_code ignored;
+  return path == other || std::filesystem::equivalent(path, other, ignored);
+}
 
 bool CPendingFile::Open(const std::string& path, std::string& error) {
   m_path = path;

@@ -8,6 +8,9 @@
 
 namespace quillpg::tool {
 
+/// True for equal paths and for two paths to one file: what is written to one is lost in the other.
+bool IsSameFile(const std::string& path, const std::string& other);
+
 /// A text file that is written beside its name and takes it only with Commit; otherwise nothing is
 /// left.
 class CPendingFile : private std::streambuf {

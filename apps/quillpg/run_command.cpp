@@ -14,9 +14,7 @@
 #include "terminal_router.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <memory>
-#include <system_error>
 
 namespace quillpg::tool {
 namespace {
@@ -63,8 +61,7 @@ class CRun {
     for (const std::string* output : outputs) {
       for (const std::string* other : all) {
         if (output == other || output->empty() || other->empty()) continue;
-        std::error_code ignored;
-        if (*output == *other || std::filesystem::equivalent(*output, *other, ignored)) {
+        if (IsSameFile(*output, *other)) {
           return Refuse(
               *output + ": cannot be output and " +
               (other == &m_options.vcd || other == &m_options.trace ? "another output" : "input") +

@@ -58,6 +58,20 @@ class Outputs(ToolTest):
         self.assertEqual(2, self.run_tool("run", "clock.vcd", "--vcd", "x", "--trace", "x").returncode)
         self.assertEqual(CLOCK, (self.folder / "clock.vcd").read_text())
 
+    def test_simulation_configuration_never_replaces_its_setup_file(self):
+        self.run_good("testdata", "cell", "--modules", "2", "cell.pg")
+        setup = (self.folder / "cell.pg").read_bytes()
+        for out in ("cell.pg", "./cell.pg", "missing/sim.ini"):
+            with self.subTest(out=out):
+                done = self.run_tool("sim-config", "cell.pg", out)
+                self.assertEqual(2, done.returncode)
+                self.assertIn(out, done.stderr)
+                self.assertEqual(setup, (self.folder / "cell.pg").read_bytes())
+        self.run_good("sim-config", "cell.pg", "sim.ini")
+        written = (self.folder / "sim.ini").read_text()
+        self.assertIn("\n2748 1064 3 1 V\n", written)
+        self.assertEqual(2, written.count("\n2748 1064"))
+
     def test_full_standard_output_is_an_error(self):
         with open("/dev/full", "w") as full:
             done = subprocess.run([TOOL, "modules"], stdout=full, stderr=subprocess.PIPE, text=True)
