@@ -39,9 +39,7 @@ Status CCompiler::Compile() {
   const CBusyMark busy(*m_instruments);
   if (!busy.Taken()) return E_FAIL;
   const CWaitCursor cursor;
-  (void)m_server->GetMessageRouter(&m_router);  // none: nobody is told
   const Status status = GuardAllocation([this] { return CompileAll(); });
-  m_router = nullptr;
   m_work.Close();
   // What else ended the run shows in the count, or was told in a box.
   if (status == PG_E_ABORTED || status == E_FAIL) return status;
@@ -56,22 +54,24 @@ Status CCompiler::CompileAll() {
     CInstrument* instrument = nullptr;
     (void)m_instruments->GetInstrumentAt(i, &instrument);  // the pointer tells
     if (!instrument || !IsEnabled(*instrument)) continue;
-    PrepareToCompile(i, *instrument);
-    status = CompileInstrument();
+    status = PrepareToCompile(i, *instrument);
+    if (status == S_OK) status = CompileInstrument();
     if (status != S_OK) break;
     i = m_work.Position();
   }
+  if (status == PG_E_INTERNAL) (void)ReportMissing(status);
   CompilationOver(status);
   return status;
 }
 
 Status CCompiler::CompileInstrument() {
+  const CProgramView& program = m_work.Program();
   Status status = S_OK;
-  if (m_work.Program().Blocks()->IsModified()) status = CompileBlock();
-  if (status == S_OK && m_work.Program().Sequence()->IsModified()) status = CompileSequence();
-  if (status == S_OK && m_work.Program().SubSequences()->IsModified())
-    status = CompileSubSequence();
-  if (status == S_OK && m_work.Program().Events()->IsModified()) status = CompileEvent();
+  if (program.Blocks()->IsModified()) status = TellFindings(CompileBlock());
+  if (status == S_OK && program.Sequence()->IsModified()) status = TellFindings(CompileSequence());
+  if (status == S_OK && program.SubSequences()->IsModified())
+    status = TellFindings(CompileSubSequence());
+  if (status == S_OK && program.Events()->IsModified()) status = TellFindings(CompileEvent());
   return status;
 }
 
@@ -82,17 +82,17 @@ void CCompiler::Clear() {
   m_warnings = 0;
   m_outputLines = 0;
   m_place = CompileErrorInfo();
-  m_keys.clear();
   m_records.clear();
+  m_linesOfRecords.clear();
 }
 
-void CCompiler::PrepareToCompile(int position, CInstrument& instrument) {
+Status CCompiler::PrepareToCompile(int position, CInstrument& instrument) {
   m_work.Open(*m_instruments, instrument, position);
-  m_place.instrumentIndex = position;
   m_place.instrumentName = InstrumentName(instrument);
   const std::string title = FormatText("Compiling %s...", {m_place.instrumentName});
   SetMessage(title, kAppendLine);
   SetProgressTitle(title);
+  return m_work.StillThere() ? S_OK : PG_E_INTERNAL;
 }
 
 void CCompiler::CompilationOver(Status status) {
@@ -104,20 +104,13 @@ void CCompiler::CompilationOver(Status status) {
 
 // --- the walk ------------------------------------------------------------------------------------
 
-void CCompiler::BeginCheck(Section section, int firstLine, std::string_view what) {
+bool CCompiler::BeginCheck(Section section, int firstLine, std::string_view what) {
   m_place.section = section;
   m_place.line = firstLine;
   m_place.itemIndex = -1;
   SetProgressMessage(
       FormatText("Checking %s %s Definition...", {m_place.instrumentName, std::string(what)}));
-}
-
-Status CCompiler::AfterObject(int index, int count) {
-  if (!m_work.Yield()) return ReportMissing(PG_E_INTERNAL);
-  m_place.instrumentIndex = m_work.Position();
-  (void)m_server->GetMessageRouter(&m_router);  // anew: it may have been replaced
-  ReportProgress(index, count);
-  return S_OK;
+  return m_work.StillThere();
 }
 
 // --- findings ------------------------------------------------------------------------------------
@@ -133,14 +126,22 @@ void CCompiler::Warning(int column, CompileError error, const std::string& text)
 void CCompiler::SetErrorInfo(int column, ErrorType type, CompileError error,
                              const std::string& text) {
   CompileErrorInfo& record = m_records.emplace_back(m_place);
+  record.instrumentIndex = m_work.Position();
   record.column = column;
   record.errorType = type;
   record.error = error;
   record.text = text;
-  m_keys.push_back({m_outputLines, static_cast<int>(m_records.size()) - 1});
-  SetMessage(m_text.Format(record), kAppendLine);
-  if (type == ErrorType::Error) ++m_errors;
-  if (type == ErrorType::Warning) ++m_warnings;
+}
+
+Status CCompiler::TellFindings(Status status) {
+  while (m_linesOfRecords.size() < m_records.size()) {
+    const CompileErrorInfo& record = m_records[m_linesOfRecords.size()];
+    m_linesOfRecords.push_back(m_outputLines);
+    SetMessage(m_text.Format(record), kAppendLine);
+    if (record.errorType == ErrorType::Error) ++m_errors;
+    if (record.errorType == ErrorType::Warning) ++m_warnings;
+  }
+  return status == S_OK && !m_work.StillThere() ? PG_E_INTERNAL : status;
 }
 
 Status CCompiler::GetNoOfErrors(int& count) const {
@@ -154,20 +155,28 @@ Status CCompiler::GetNoOfWarnings(int& count) const {
 }
 
 Status CCompiler::GetCompileErrorInfo(int outputLine, CompileErrorInfo& info) const {
-  const auto key = std::ranges::lower_bound(m_keys, outputLine, {}, &KEY::outputLine);
-  if (key == m_keys.end() || key->outputLine != outputLine) return E_FAIL;
+  const auto line = std::ranges::lower_bound(m_linesOfRecords, outputLine);
+  if (line == m_linesOfRecords.end() || *line != outputLine) return E_FAIL;
   return GuardAllocation([&] {
-    info = m_records[static_cast<std::size_t>(key->record)];
+    info = m_records[static_cast<std::size_t>(line - m_linesOfRecords.begin())];
     return S_OK;
   });
 }
 
 // --- the front end's router ----------------------------------------------------------------------
 
+// Asked for each time: the front end may replace its router at any time.
+CMessageRouter* CCompiler::Router() const {
+  CMessageRouter* router = nullptr;
+  (void)m_server->GetMessageRouter(&router);  // the pointer tells
+  return router;
+}
+
 void CCompiler::SetMessage(const std::string& text, int flag) {
-  if (!m_router) return;
+  CMessageRouter* router = Router();
+  if (!router) return;
   ++m_outputLines;
-  m_router->SetMessage(text, flag);
+  router->SetMessage(text, flag);
 }
 
 void CCompiler::SetEmptyMessage(int count) {

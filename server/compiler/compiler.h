@@ -24,9 +24,10 @@ struct SUBSEQUENCE;
 /// line of the front end's output window and one record for each finding. Only lists that changed
 /// since the last download are checked.
 ///
-/// The checks hand control to the front end after each object. It may then abort the run, edit the
-/// program or delete the instrument; a nested compile or download is refused.
-/// AbortOperation ends a running compile at the next object; a run clears the request at its start.
+/// The checks hand control to the front end after each object, whose findings are told first. It
+/// may then abort the run, edit the program or delete the instrument; a nested compile or download
+/// is refused. AbortOperation ends a running compile at the next object; a run clears the request
+/// at its start.
 class QUILLPG_API CCompiler : public CProgramOperation {
  public:
   /// Refers to `server` and loads the texts of the findings; E_FAIL for null.
@@ -45,8 +46,8 @@ class QUILLPG_API CCompiler : public CProgramOperation {
   Status GetCompileErrorInfo(int outputLine, CompileErrorInfo& info) const;
 
  protected:
-  // The four checks. S_OK, PG_E_ABORTED, PG_E_INTERNAL when an object is missing (the user was
-  // told), PG_E_LIMIT when the expanded sequence is too long. Findings alone do not stop them.
+  // The four checks. S_OK, PG_E_ABORTED, PG_E_INTERNAL when an object is missing, PG_E_LIMIT when
+  // the expanded sequence is too long. Findings alone do not stop them.
   Status CompileBlock();
   Status CompileSequence();
   Status CompileSubSequence();
@@ -60,32 +61,30 @@ class QUILLPG_API CCompiler : public CProgramOperation {
   Status CheckMaxSequenceLines();
   bool IsValidBlockSize(int size) const;
 
-  /// Records a finding at the present place, writes its output line and counts it.
+  /// Records a finding at the present place. TellFindings writes its output line and counts it.
   void SetErrorInfo(int column, ErrorType type, CompileError error, const std::string& text);
 
   void Clear();
-  void PrepareToCompile(int position, CInstrument& instrument);
+  Status PrepareToCompile(int position, CInstrument& instrument);
   void CompilationOver(Status status);
 
-  // To the front end's router, which is held during one Compile, so that it is never a stale one.
-  // Nothing happens, and no output line is counted, without one.
+  // To the front end's router. Nothing happens, and no output line is counted, without one.
   void SetMessage(const std::string& text, int flag);
   void SetEmptyMessage(int count);
 
  private:
-  // Ties a line of the output window to a record.
-  struct KEY {
-    int outputLine;
-    int record;
-  };
+  CMessageRouter* Router() const override;
 
   Status CompileAll();
   Status CompileInstrument();
-  void BeginCheck(Section section, int firstLine, std::string_view what);
-  Status AfterObject(int index, int count);
+  // False when the instrument is gone.
+  bool BeginCheck(Section section, int firstLine, std::string_view what);
+  // Tells what was found since the last time, when nothing of the program is held any more; a
+  // `status` that is not S_OK stays what it is.
+  Status TellFindings(Status status);
 
   // Walks a list of the program by position, since it may change at every yield: tests for an
-  // abort, looks the object up, runs `check(index, object)`, yields.
+  // abort, looks the object up, runs `check(index, object)`, tells what that found, yields.
   template <typename T, typename Check>
   Status ForEachObject(int (CProgramView::*countOf)() const,
                        T* (CProgramView::*objectAt)(int) const, int firstLine, Check check);
@@ -111,8 +110,8 @@ class QUILLPG_API CCompiler : public CProgramOperation {
   int m_errors = 0;
   int m_warnings = 0;
   int m_outputLines = 0;
-  std::vector<KEY> m_keys;  // in rising order of output lines
   std::vector<CompileErrorInfo> m_records;
+  std::vector<int> m_linesOfRecords;  // in the output window, rising; of those told so far
 
   CompileErrorInfo m_place;  // where the next finding lies
 };
@@ -124,11 +123,11 @@ Status CCompiler::ForEachObject(int (CProgramView::*countOf)() const,
   for (int i = 0; i < (m_work.Program().*countOf)(); ++i) {
     if (AbortRequested()) return PG_E_ABORTED;
     T* object = (m_work.Program().*objectAt)(i);
-    if (!object) return ReportMissing(PG_E_INTERNAL);
+    if (!object) return PG_E_INTERNAL;
     m_place.line = firstLine + i;
-    Status status = check(i, *object);
-    if (status == S_OK) status = AfterObject(i, (m_work.Program().*countOf)());
+    const Status status = TellFindings(check(i, *object));
     if (status != S_OK) return status;
+    if (!YieldAndReport(i, (m_work.Program().*countOf)())) return PG_E_INTERNAL;
   }
   return S_OK;
 }

@@ -64,7 +64,7 @@ void CCompiler::CheckUnique(const INDEXED_NAME* name, const std::string& text) {
 // --- blocks --------------------------------------------------------------------------------------
 
 Status CCompiler::CompileBlock() {
-  BeginCheck(Section::BlockList, kFirstLine, "Block");
+  if (!BeginCheck(Section::BlockList, kFirstLine, "Block")) return PG_E_INTERNAL;
   if (m_work.Program().BlockCount() > MAX_BLOCKS)
     Error(kNameColumn, CompileError::InvalidRange, "");
   const Status status = ForEachObject(&CProgramView::BlockCount, &CProgramView::BlockAt, kFirstLine,
@@ -120,7 +120,7 @@ Status CCompiler::CheckBlockSize() const {
 // --- sequence ------------------------------------------------------------------------------------
 
 Status CCompiler::CompileSequence() {
-  BeginCheck(Section::SequenceList, kFirstSequenceLine, "Sequence");
+  if (!BeginCheck(Section::SequenceList, kFirstSequenceLine, "Sequence")) return PG_E_INTERNAL;
   const int count = m_work.Program().LineCount();
   if (count > MAX_SEQUENCE_LINES) Error(kLabelColumn, CompileError::InvalidRange, "");
   if (count == 0) Error(kLabelColumn, CompileError::ListEmpty, "");
@@ -199,7 +199,7 @@ Status CCompiler::CheckMaxSequenceLines() {
 // --- subsequences --------------------------------------------------------------------------------
 
 Status CCompiler::CompileSubSequence() {
-  BeginCheck(Section::SubSequenceList, kFirstLine, "Sub Sequence");
+  if (!BeginCheck(Section::SubSequenceList, kFirstLine, "Sub Sequence")) return PG_E_INTERNAL;
   if (m_work.Program().SubSequenceCount() > MAX_SUBSEQUENCES)
     Error(kNameColumn, CompileError::InvalidRange, "");
   return ForEachObject(&CProgramView::SubSequenceCount, &CProgramView::SubSequenceAt, kFirstLine,
@@ -235,7 +235,7 @@ Status CCompiler::CompileSubSeqDefinition(int index, const SUBSEQUENCE& subSeque
   for (int i = 0; i < count; ++i) {
     SUBSEQUENCE_LINE* line = nullptr;
     (void)subSequence.GetSubSequenceLine(i, &line);  // the pointer tells
-    if (!line) return ReportMissing(PG_E_INTERNAL);
+    if (!line) return PG_E_INTERNAL;
     m_place.line = kFirstLine + i;
     const std::string& block = line->GetOutput();
     if (block.empty()) {
@@ -253,7 +253,7 @@ Status CCompiler::CompileSubSeqDefinition(int index, const SUBSEQUENCE& subSeque
 // --- events --------------------------------------------------------------------------------------
 
 Status CCompiler::CompileEvent() {
-  BeginCheck(Section::EventList, kFirstLine, "Event");
+  if (!BeginCheck(Section::EventList, kFirstLine, "Event")) return PG_E_INTERNAL;
   if (m_work.Program().EventCount() > MAX_EVENTS)
     Error(kNameColumn, CompileError::InvalidRange, "");
   return ForEachObject(&CProgramView::EventCount, &CProgramView::EventAt, kFirstLine,

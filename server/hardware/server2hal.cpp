@@ -93,12 +93,13 @@ Status CServer2HAL::SendInstrument() {
   SetProgressTitle(FormatText("Sending %s.", {name}));
   for (const STEP& step : kSteps) {
     tell(step.message);
+    if (!m_work.StillThere()) return ReportMissing(E_FAIL);
     const Status status = (this->*step.send)();
     if (status == PG_E_ABORTED) return status;
     if (!m_work.Instrument()) return E_FAIL;  // deleted meanwhile
   }
   tell(MSG_LOADING_COMPLETE);
-  return S_OK;
+  return m_work.StillThere() ? S_OK : E_FAIL;
 }
 
 // --- single steps --------------------------------------------------------------------------------
@@ -144,13 +145,6 @@ CSorrelModule* CServer2HAL::HardwareAt(int module) const {
   CSorrelModule* hardware = nullptr;
   if (m_work.Instrument()) (void)m_work.Instrument()->GetSorrelModuleAt(module, &hardware);
   return hardware;
-}
-
-// False when the instrument is gone.
-bool CServer2HAL::YieldAndReport(int index, int count) {
-  if (!m_work.Yield()) return false;
-  ReportProgress(index, count);
-  return true;
 }
 
 Status CServer2HAL::SetMessageRouter(CMessageRouter* router) {

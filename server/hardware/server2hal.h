@@ -37,7 +37,8 @@ class QUILLPG_API CServer2HAL : public CProgramOperation {
   // PG_E_INTERNAL for a missing event, definition row or block; PG_E_ABORTED. What is missing was
   // shown to the user.
 
-  /// Events go to the first module only: deliberate.
+  /// Events go to the first module only: deliberate. The library takes C strings: a row with a
+  /// character of code 0 ends its event there.
   Status SendEventData(CInstrument* instrument);
   Status SendSubSequenceData(CInstrument* instrument);
   /// An empty sequence is not sent: the module keeps the old one.
@@ -75,8 +76,9 @@ class QUILLPG_API CServer2HAL : public CProgramOperation {
 
   int ModuleCount() const;
   CSorrelModule* HardwareAt(int module) const;
-  bool YieldAndReport(int index, int count);
+  CMessageRouter* Router() const override { return m_router; }
 
+  CMessageRouter* m_router = nullptr;  // referenced
   std::vector<std::uint16_t> m_words;  // of one transfer to one module
 };
 

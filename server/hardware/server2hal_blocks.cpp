@@ -1,5 +1,6 @@
 // The pattern data of the download.
 
+#include "base/guard.h"
 #include "hardware/hardware_library.h"
 #include "hardware/pattern_packer.h"
 #include "hardware/server2hal.h"
@@ -66,13 +67,13 @@ Status CServer2HAL::SendChangedBlocks() {
     if (!block->IsChanged()) continue;
     const int count = m_work.Program().BlockCount();
     (void)block->SetChanged(0);  // before the first yield: an edit in it must be sent again
-    const Status status = SendBlock(i);
+    const Status status = GuardAllocation([&] { return SendBlock(i); });
     block = m_work.Program().BlockAt(i);
     if (Failed(status)) {
       if (block) (void)block->SetChanged(1);
       return status;
     }
-    ReportProgress(i, count);
+    if (!ReportProgress(i, count)) return ReportMissing(PG_E_INTERNAL);
   }
   return S_OK;
 }

@@ -27,19 +27,24 @@ Status CProgramOperation::ReportMissing(Status status) {
 }
 
 void CProgramOperation::SetProgressTitle(const std::string& text) {
-  if (m_router) m_router->SetProgressTitle(text);
+  if (CMessageRouter* router = Router()) router->SetProgressTitle(text);
 }
 
 void CProgramOperation::SetProgressMessage(const std::string& text) {
-  if (m_router) m_router->SetProgressMessage(text);
+  if (CMessageRouter* router = Router()) router->SetProgressMessage(text);
 }
 
 void CProgramOperation::SetProgressStatus(int percent) {
-  if (m_router) m_router->SetProgressStatus(percent);
+  if (CMessageRouter* router = Router()) router->SetProgressStatus(percent);
 }
 
-void CProgramOperation::ReportProgress(int index, int count) {
+bool CProgramOperation::ReportProgress(int index, int count) {
   if (count > 0) SetProgressStatus(static_cast<int>(std::int64_t{index} * 100 / count));
+  return m_work.StillThere();
+}
+
+bool CProgramOperation::YieldAndReport(int index, int count) {
+  return m_work.Yield() && ReportProgress(index, count);
 }
 
 }  // namespace quillpg

@@ -28,15 +28,19 @@ class QUILLPG_API CProgramOperation : public CAbortRequest {
   /// Tells the user that an object which must exist is missing; gives `status`.
   static Status ReportMissing(Status status);
 
-  // To the front end's router; nothing happens without one.
+  /// The front end's router of this moment; null: nobody is told.
+  virtual CMessageRouter* Router() const = 0;
+
+  // To the router. It may change or delete what the operation works on: ask the work afterwards.
   void SetProgressTitle(const std::string& text);
   void SetProgressMessage(const std::string& text);
   void SetProgressStatus(int percent);
-  /// The object at `index` of `count` is done.
-  void ReportProgress(int index, int count);
+  /// The object at `index` of `count` is done. False when the instrument is gone after that.
+  bool ReportProgress(int index, int count);
+  /// Lets the message loop run first; false also when the instrument is gone after that.
+  bool YieldAndReport(int index, int count);
 
-  CMessageRouter* m_router = nullptr;  ///< referenced
-  CProgramWork m_work;                 ///< the program at hand
+  CProgramWork m_work;  ///< the program at hand
 };
 
 }  // namespace quillpg

@@ -26,6 +26,10 @@ void CProgramWork::Close() {
 
 bool CProgramWork::Yield() {
   CHostServices::Get().YieldToMessageLoop();
+  return StillThere();
+}
+
+bool CProgramWork::StillThere() {
   return m_instrument && (m_instruments->Revision() == m_listRevision || Follow());
 }
 

@@ -13,7 +13,7 @@ class CInstrumentManager;
 
 /// The program of one instrument while an operation works on it that hands control to the front end
 /// in between. The front end may delete the instrument or others before it: the work follows it
-/// through the list. Objects must be fetched anew after each Yield.
+/// through the list. Objects must be fetched anew after each Yield and each StillThere.
 class QUILLPG_API CProgramWork {
  public:
   CProgramWork() = default;
@@ -26,6 +26,8 @@ class QUILLPG_API CProgramWork {
 
   /// Lets the message loop run once; false when the instrument is gone, which closes the work.
   bool Yield();
+  /// The same after another call of the front end, whose message router may pump messages.
+  bool StillThere();
 
   /// Null while nothing is open.
   CInstrument* Instrument() const { return m_instrument; }

@@ -230,5 +230,31 @@ TEST_F(Compiler, RefusesToBeNestedAndSurvivesADeletedInstrument) {
   EXPECT_EQ(m_engine.Host().boxes.size(), 1u);
 }
 
+// As a front end would that pumps messages in its router: the n-th call deletes what is at work.
+TEST(CompileAndDownload, SurviveARouterThatDeletes) {
+  for (const bool download : {false, true}) {
+    for (const bool instrument : {false, true}) {
+      int at = 1;
+      for (int calls = 0; calls >= at - 1; ++at) {  // until a run is over before it
+        SCOPED_TRACE(at);
+        CInstrumentFixture engine;
+        CProgramBuilder build(engine.Instrument());
+        build.Block("always").Block("b").Sub("none", {{"b", 0}, {"always", 0}});
+        build.Line({.output = "none", .repeat = -1}).Event("never", {"1"}).Event("e", {});
+        calls = 0;
+        engine.Router().onCall = [&] {
+          if (++calls != at) return;
+          if (instrument) (void)engine.Instruments().DeleteInstrumentAt(0);
+          if (!instrument) CProgramBuilder(engine.Instrument());
+        };
+        (void)(download ? engine.Server().Download() : engine.Server().Compile());
+        EXPECT_LE(engine.Host().boxes.size(), 1u);
+        EXPECT_EQ(engine.Host().cursorDepth, 0);
+      }
+      EXPECT_GT(at, 10);
+    }
+  }
+}
+
 }  // namespace
 }  // namespace quillpg

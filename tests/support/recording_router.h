@@ -2,6 +2,7 @@
 
 #include "quillpg/message_router.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,11 +18,12 @@ class CRecordingRouter : public CMessageRouter {
     } else {
       output.push_back(text);
     }
+    Call();
   }
-  void SetStatusMessage(const std::string& text) override { status.push_back(text); }
-  void SetProgressTitle(const std::string& text) override { titles.push_back(text); }
-  void SetProgressMessage(const std::string& text) override { messages.push_back(text); }
-  void SetProgressStatus(int percent) override { percents.push_back(percent); }
+  void SetStatusMessage(const std::string& text) override { status.push_back(text), Call(); }
+  void SetProgressTitle(const std::string& text) override { titles.push_back(text), Call(); }
+  void SetProgressMessage(const std::string& text) override { messages.push_back(text), Call(); }
+  void SetProgressStatus(int percent) override { percents.push_back(percent), Call(); }
 
   std::vector<std::string> output;  ///< lines of the output window since it was last cleared
   std::vector<std::string> status;
@@ -29,6 +31,12 @@ class CRecordingRouter : public CMessageRouter {
   std::vector<std::string> messages;
   std::vector<int> percents;
   int clears = 0;
+  std::function<void()> onCall;  ///< runs in every call
+
+ private:
+  void Call() const {
+    if (onCall) onCall();
+  }
 };
 
 }  // namespace quillpg
