@@ -123,6 +123,9 @@ Status CServer2HAL::FormatEvent(int index, std::string& text) const {
 
 Status CServer2HAL::SendSubSequences() {
   if (!m_work.Program().SubSequences()->IsModified()) return S_OK;
+  // Each subsequence's own flag goes with the first module: the list's keeps the others owed
+  // theirs.
+  (void)m_work.Program().SubSequences()->SetModified(1);
   const auto revision = m_work.Program().SubSequences()->Revision();
   for (int module = 0; module < ModuleCount(); ++module) {
     for (int i = 0; i < m_work.Program().SubSequenceCount(); ++i) {

@@ -104,6 +104,7 @@ Status BLOCK::ResizeBlock(int size, char fill) {
   const std::uint64_t oldBytes = m_data ? DataBytes(m_size, RowBytes()) : 0;
   const BUFFER oldData = std::move(m_data);
   m_size = size;
+  m_revision.Touch();
   m_changed.Set();
   const Status status = GuardData([&] { m_data = MakeBuffer(DataBytes(size, RowBytes())); });
   if (Failed(status)) return S_OK;  // deliberate: the new size without data
@@ -126,6 +127,7 @@ Status BLOCK::Reshape(int size, int width, char fill, BUFFER& oldData) {
   }
   m_size = size;
   m_width = width;
+  m_revision.Touch();
   m_changed.Set();
   return AllocateBlockData(fill);
 }

@@ -76,7 +76,7 @@ struct QUILLPG_API BLOCK {
   /// Bytes of one vector: width / 8, rounded down.
   std::size_t RowBytes() const { return m_width > 0 ? static_cast<std::size_t>(m_width) / 8 : 0; }
 
-  /// `list` counts the changes of the name from now on; null takes it away.
+  /// `list` counts the changes of name, size and width from now on; null takes it away.
   void ReportTo(CRevision* list) { m_revision.ReportTo(list); }
 
   LISTING_STATE& GetListingState() { return m_listingState; }

@@ -73,7 +73,7 @@ class QUILLPG_API CBlockManager : public CProgramManager {
   Status SetReferencePos(int index, int position, int which);
   Status GetReferencePos(int index, int& position, int which) const;
 
-  /// Counts the changes of the list and of the names in it.
+  /// Counts the changes of the list and of the names and sizes in it.
   std::uint64_t Revision() const { return m_blocks.Revision(); }
 
   /// Bytes in a setup file.

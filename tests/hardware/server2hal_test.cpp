@@ -3,6 +3,7 @@
 #include "support/instrument_fixture.h"
 #include "support/program_builder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -138,6 +139,15 @@ TEST(Download, AbortLeavesTheRestToTheNextDownload) {
   EXPECT_EQ(engine.Sent().back(), "0 DataVectorsSM(1,0,10,0)");
 }
 
+TEST(Download, AbortBetweenTwoModulesOwesTheSecondItsSubsequences) {
+  CDownloadFixture engine(2);
+  engine.build.Block("a").Sub("s", {{"a", 1}}).SetModified(0);
+  (void)Program(engine).SubSequenceAt(0)->SetModified(1);
+  engine.Host().AtYield(1, [&engine] { (void)engine.Server().AbortDownload(); });
+  EXPECT_EQ(engine.Sent(PG_E_ABORTED), Lines{"0 DefineSubSequence(1,1,0,1)"});
+  EXPECT_THAT(engine.Sent(), testing::Contains("1 DefineSubSequence(1,1,0,1)"));
+}
+
 TEST(Download, WhatIsEditedMeanwhileIsSentNextTime) {
   CDownloadFixture engine;
   engine.build.Block("a").Line({.output = "a"});
@@ -149,6 +159,15 @@ TEST(Download, WhatIsEditedMeanwhileIsSentNextTime) {
   (void)engine.Sent();
   EXPECT_EQ(engine.Sent(), Lines{"0 DataVectorsSM(0,0,10,0)"});
   EXPECT_EQ(engine.Sent(), Lines{});
+  for (const bool resized : {true, false}) {  // another size or width: to be created anew
+    engine.build.SetModified(1);
+    engine.Host().AtYield(3, [&engine, resized] {
+      (void)(resized ? engine.Blocks().SetBlockSize(0, 44)
+                     : engine.Instrument().SetChannelMode(ChannelMode::Half));
+    });
+    (void)engine.Sent();
+    EXPECT_THAT(engine.Sent(), testing::Contains("0 DeleteAllBlocks()"));
+  }
 }
 
 TEST(Download, EmptySlotsAreToldAndEndTheirStep) {
