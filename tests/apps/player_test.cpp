@@ -72,7 +72,7 @@ TEST(Player, AWaitForGoodEndsThePlayAtOnce) {
   }
 }
 
-TEST(Player, HoldsAWaitThatComesLaterNoLongerThanTheLimit) {
+TEST(Player, HoldsAWaitThatComesLaterNoLongerThanTheLimitAndElseEndsThere) {
   CPlayerFixture fixture({"", 2, false, -1, {}, {}, 0});
   CProgramBuilder(fixture.Instrument())
       .Block("Block")
@@ -84,6 +84,8 @@ TEST(Player, HoldsAWaitThatComesLaterNoLongerThanTheLimit) {
   CPlayer player = fixture.Player();
   EXPECT_EQ(Limit, player.Play({.vectors = 1000, .holdWaits = true}));
   EXPECT_EQ(1000, player.Clocked());
+  EXPECT_EQ(Waiting, player.Play({.vectors = 1000}));
+  EXPECT_EQ(80, player.Clocked());
 }
 
 }  // namespace

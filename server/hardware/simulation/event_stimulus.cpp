@@ -22,13 +22,12 @@ bool ParseLevels(std::string_view levels, std::size_t& inputs) {
 
 Status CEventStimulus::Set(const std::vector<STIMULUS_LINE>& lines) {
   return GuardAllocation([&] {
-    std::vector<STEP> steps{{0, 0}};
+    std::vector<STEP> steps{{-1, 0}};
     std::int64_t last = -1;
     for (const STIMULUS_LINE& line : lines) {
       std::size_t inputs = 0;
       if (line.vector <= last || !ParseLevels(line.levels, inputs)) return E_FAIL;
       last = line.vector;
-      if (line.vector == 0) steps.clear();
       steps.push_back({line.vector, inputs});
     }
     m_steps = std::move(steps);
@@ -36,24 +35,27 @@ Status CEventStimulus::Set(const std::vector<STIMULUS_LINE>& lines) {
   });
 }
 
+// Of a vector from -1 on.
 std::size_t CEventStimulus::StepAt(std::int64_t vector) const {
   const auto after = std::ranges::upper_bound(m_steps, vector, {}, &STEP::vector);
-  return after == m_steps.begin() ? 0 : static_cast<std::size_t>(after - m_steps.begin()) - 1;
+  return static_cast<std::size_t>(after - m_steps.begin()) - 1;
 }
 
 bool CEventStimulus::IsTrue(const EVENT_TRUTH& event, std::int64_t vector) const {
   return event[m_steps[StepAt(vector)].inputs];
 }
 
-std::int64_t CEventStimulus::FirstTrue(const EVENT_TRUTH& event, std::int64_t from) const {
-  for (std::size_t i = StepAt(from); i < m_steps.size(); ++i) {
+std::int64_t CEventStimulus::FirstTrue(const EVENT_TRUTH& event, std::int64_t from,
+                                       std::int64_t end) const {
+  for (std::size_t i = StepAt(from); i < m_steps.size() && m_steps[i].vector < end; ++i) {
     if (event[m_steps[i].inputs]) return std::max(m_steps[i].vector, from);
   }
   return NEVER;
 }
 
-std::int64_t CEventStimulus::FirstEdge(const EVENT_TRUTH& event, std::int64_t from) const {
-  for (std::size_t i = StepAt(from) + 1; i < m_steps.size(); ++i) {
+std::int64_t CEventStimulus::FirstEdge(const EVENT_TRUTH& event, std::int64_t from,
+                                       std::int64_t end) const {
+  for (std::size_t i = StepAt(from - 1) + 1; i < m_steps.size() && m_steps[i].vector < end; ++i) {
     if (event[m_steps[i].inputs] && !event[m_steps[i - 1].inputs]) return m_steps[i].vector;
   }
   return NEVER;

@@ -35,10 +35,14 @@ class QUILLPG_API CEventStimulus {
   Status Set(const std::vector<STIMULUS_LINE>& lines);
 
   bool IsTrue(const EVENT_TRUTH& event, std::int64_t vector) const;
-  /// First vector from `from` on at which the event is true, or NEVER.
-  std::int64_t FirstTrue(const EVENT_TRUTH& event, std::int64_t from) const;
-  /// First vector after `from` at which the event is true and was false one vector before.
-  std::int64_t FirstEdge(const EVENT_TRUTH& event, std::int64_t from) const;
+  // The first vector in question from `from` to before `end`, or NEVER.
+
+  /// At which the event is true.
+  std::int64_t FirstTrue(const EVENT_TRUTH& event, std::int64_t from,
+                         std::int64_t end = NEVER) const;
+  /// At which the event is true and was false one vector before. Before vector 0 all inputs are 0.
+  std::int64_t FirstEdge(const EVENT_TRUTH& event, std::int64_t from,
+                         std::int64_t end = NEVER) const;
 
  private:
   struct STEP {
@@ -47,7 +51,7 @@ class QUILLPG_API CEventStimulus {
   };
   std::size_t StepAt(std::int64_t vector) const;
 
-  std::vector<STEP> m_steps{{0, 0}};
+  std::vector<STEP> m_steps{{-1, 0}};  // the first is what was before vector 0
 };
 
 }  // namespace quillpg

@@ -83,10 +83,10 @@ void CSequencer::Jump() {
   }
 }
 
-std::int64_t CSequencer::Clock(std::int64_t vectors) {
+std::int64_t CSequencer::Clock(std::int64_t vectors, bool stopWhenStuck) {
   const std::int64_t asked = std::min(vectors, kMostClocked - m_clocked);
   std::int64_t left = asked;
-  while (left > 0 && IsActive()) {
+  while (left > 0 && IsActive() && !(stopWhenStuck && IsStuck())) {
     left -= m_state == ModuleState::Waiting ? Hold(left) : Play(left);
   }
   return asked - left;
@@ -186,7 +186,8 @@ bool CSequencer::JumpEventSeen() const {
   if (!IsEdge(m_settings, Setting::EventModeForJump)) {
     return m_environment.stimulus.IsTrue(event, std::max<std::int64_t>(m_clocked - 1, 0));
   }
-  return m_environment.stimulus.FirstEdge(event, m_repetitionBegan) < m_clocked;
+  return m_environment.stimulus.FirstEdge(event, m_repetitionBegan, m_clocked) !=
+         CEventStimulus::NEVER;
 }
 
 // --- time ---
@@ -230,7 +231,7 @@ void CSequencer::PlayRepetitions(const PIN_ROWS& rows, std::int64_t vectors) {
   std::int64_t repeat = 0;
   if (m_record.output >= 0) {
     // One block is a whole repetition: all but the last are counted here.
-    repeat = std::min(fitting, UndisturbedRepetitions(rows.size));
+    repeat = UndisturbedRepetitions(rows.size, fitting);
     m_repetitionsLeft -= repeat - 1;
     m_repetitionBegan += (repeat - 1) * rows.size;
   } else {
@@ -240,15 +241,16 @@ void CSequencer::PlayRepetitions(const PIN_ROWS& rows, std::int64_t vectors) {
   DriveRows(rows, 0, rows.size, repeat);
 }
 
-std::int64_t CSequencer::UndisturbedRepetitions(std::int64_t length) const {
+std::int64_t CSequencer::UndisturbedRepetitions(std::int64_t length, std::int64_t most) const {
   if (m_jumpAsked || m_advanceAsked) return 1;
-  std::int64_t repetitions = m_repetitionsLeft;
-  if (m_record.repeat == kEndless && m_record.jumpIf != kAlways) repetitions = kMostClocked;
+  const bool endless = m_record.repeat == kEndless && m_record.jumpIf != kAlways;
+  const std::int64_t repetitions = endless ? most : std::min(most, m_repetitionsLeft);
   if (m_record.jumpIf == 0 || m_record.jumpIf == kAlways) return repetitions;
   const EVENT_TRUTH& event = m_program.Event(m_record.jumpIf);
+  const std::int64_t end = m_clocked + repetitions * length;
   const std::int64_t seen = IsEdge(m_settings, Setting::EventModeForJump)
-                                ? m_environment.stimulus.FirstEdge(event, m_clocked)
-                                : m_environment.stimulus.FirstTrue(event, m_clocked);
+                                ? m_environment.stimulus.FirstEdge(event, m_clocked, end)
+                                : m_environment.stimulus.FirstTrue(event, m_clocked, end);
   return std::clamp<std::int64_t>((seen - m_clocked) / length, 1, repetitions);
 }
 

@@ -26,7 +26,8 @@ struct PLAY_ENVIRONMENT {
 ///
 /// Events are looked at in vectors: a wait with the levels of the vector that would be played next,
 /// a jump-if with the levels of the last vector of the repetition. An edge is a vector at which the
-/// event is true and was false one vector before, both within the wait or the repetition.
+/// event is true and was false one vector before; it counts for the wait or repetition that it lies
+/// in, also at its first vector.
 ///
 /// Everything that takes no time happens at once, so that the state is always the true one: after
 /// the last vector of the program the sequencer is idle.
@@ -48,8 +49,9 @@ class CSequencer {
   /// Ends a wait at once, a line after its present repetition, and goes to the line's jump-to.
   void Jump();
 
-  /// Clocks at most `vectors`; gives how many, fewer when the program ended.
-  std::int64_t Clock(std::int64_t vectors);
+  /// Clocks at most `vectors`; gives how many, fewer when the program ended or when it is to stop
+  /// at a wait that never ends.
+  std::int64_t Clock(std::int64_t vectors, bool stopWhenStuck = false);
 
   ModuleState State() const { return m_state; }
   bool IsActive() const;  ///< plays or waits
@@ -82,7 +84,7 @@ class CSequencer {
   std::int64_t Hold(std::int64_t vectors);
   std::int64_t Play(std::int64_t vectors);
   void PlayRepetitions(const PIN_ROWS& rows, std::int64_t vectors);
-  std::int64_t UndisturbedRepetitions(std::int64_t length) const;
+  std::int64_t UndisturbedRepetitions(std::int64_t length, std::int64_t most) const;
   void DriveRows(const PIN_ROWS& rows, std::int64_t first, std::int64_t count, std::int64_t repeat);
   void Drive(const std::uint64_t* levels, const std::uint64_t* highZ, std::int64_t count,
              std::int64_t repeat);

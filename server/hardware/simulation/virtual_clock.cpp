@@ -54,7 +54,7 @@ Status CVirtualClock::Clock(std::int64_t vectors) {
   if (vectors < 0) return E_FAIL;
   return Guarded([&] {
     std::vector<PLAYER> players = MakePlayers(vectors);
-    while (PLAYER* player = PickNext(players, false)) PlaySlice(*player, players.size());
+    while (PLAYER* player = PickNext(players, false)) PlaySlice(*player, players.size(), false);
     return S_OK;
   });
 }
@@ -64,7 +64,7 @@ Status CVirtualClock::PlayUntilIdle(std::int64_t vectors, PlayEnd& end) {
   return Guarded([&] {
     std::vector<PLAYER> players = MakePlayers(vectors);
     while (PLAYER* player = PickNext(players, true)) {
-      PlaySlice(*player, players.size());
+      PlaySlice(*player, players.size(), true);
       CatchUp(players, *player);
     }
     end = EndOf(players);
@@ -137,9 +137,9 @@ CVirtualClock::PLAYER* CVirtualClock::PickNext(std::vector<PLAYER>& players, boo
   return next;
 }
 
-void CVirtualClock::PlaySlice(PLAYER& player, std::size_t players) {
+void CVirtualClock::PlaySlice(PLAYER& player, std::size_t players, bool stopWhenStuck) {
   const std::int64_t slice = players > 1 ? std::min(player.left, SEQUENCER_SLICE) : player.left;
-  const std::int64_t clocked = player.module->Sequencer().Clock(slice);
+  const std::int64_t clocked = player.module->Sequencer().Clock(slice, stopWhenStuck);
   player.left = clocked > 0 ? player.left - clocked : 0;  // 0 only at the end of all counting
 }
 

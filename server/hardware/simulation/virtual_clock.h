@@ -44,7 +44,7 @@ class CVirtualClock {
   void BindSources(CSimulatedModule& master) const;
   std::vector<PLAYER> MakePlayers(std::int64_t vectors);
   static PLAYER* PickNext(std::vector<PLAYER>& players, bool passStuck);
-  static void PlaySlice(PLAYER& player, std::size_t players);
+  static void PlaySlice(PLAYER& player, std::size_t players, bool stopWhenStuck);
   static void CatchUp(std::vector<PLAYER>& players, const PLAYER& leader);
   PlayEnd EndOf(const std::vector<PLAYER>& players) const;
 

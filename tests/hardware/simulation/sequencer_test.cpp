@@ -93,8 +93,9 @@ TEST(Sequencer, PlaysLinesWaitsAndJumps) {
       {"holds the last vector", "0,1,0,0,0,1,2,1,1,0,0,1", kLevel, "000001", 20, "abcccf IDL"},
       {"event never defined", "2,1,7,0,0,1", kLevel, "1", 4, ".... WAIT"},
       {"event without rows", "2,1,3,0,0,1", kLevel, "1", 4, ".... WAIT"},
-      {"edge: high at first", "2,1,1,0,0,1", kEdge, "1101", 20, "...f IDL"},
-      {"edge within the wait", "0,1,0,0,0,1,2,1,1,0,0,1", kEdge, "0001101", 20, "abccccf IDL"},
+      {"edge: none before the start", "2,1,1,0,0,1", kEdge, "1", 20, "f IDL"},
+      {"edge as the wait begins", "0,1,0,0,0,1,2,1,1,0,0,1", kEdge, "0001", 20, "abcf IDL"},
+      {"edge before it is none", "0,1,0,0,0,1,2,1,1,0,0,1", kEdge, "0011101", 20, "abccccf IDL"},
 
       {"always: after all", "2,2,0,-1,2,1,0,1,0,0,0,1,1,1,0,0,0,1", kLevel, "", 9, "ffde IDL"},
       {"always, endless: after one", "2,0,0,-1,1,1,1,1,0,0,0,1", kLevel, "", 20, "fde IDL"},
@@ -102,7 +103,9 @@ TEST(Sequencer, PlaysLinesWaitsAndJumps) {
       {"level in the middle", "1,3,0,1,9,1,2,1,0,0,0,1", kLevel, "0010", 20, "dededef IDL"},
       {"level at the last repetition", "1,2,0,1,9,1,2,1,0,0,0,1", kLevel, "0001", 20, "dede IDL"},
       {"edge in the middle is seen", "0,9,0,1,9,1", kEdge, "000010", 20, "abcabc IDL"},
-      {"edge before it is not", "0,2,0,1,9,1,2,1,0,0,0,1", kEdge, "0001", 20, "abcabcf IDL"},
+      {"edge at its first vector", "0,2,0,1,9,1,2,1,0,0,0,1", kEdge, "0001", 20, "abcabc IDL"},
+      {"edge before it is not", "0,1,0,0,0,1,1,2,0,1,9,1,2,1,0,0,0,1", kEdge, "001", 20,
+       "abcdedef IDL"},
       {"endless until the event", "2,0,0,1,1,1,1,1,0,0,0,1", kLevel, "00001", 20, "fffffde IDL"},
       {"jump to before the first line", "2,1,0,-1,-4,1,1,1,0,0,0,1", kLevel, "", 20, "f IDL"},
 
