@@ -2,27 +2,49 @@
 
 #include "base/text.h"
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <type_traits>
 
 namespace quillpg {
 namespace {
 
+// Bytes of the UTF-8 character that `text` begins with; 0 when it begins with none.
+std::size_t CharacterLength(std::string_view text) {
+  constexpr std::array<std::uint32_t, 5> kLeast = {0, 0, 0x80, 0x800, 0x10000};  // of each length
+  const auto lead = static_cast<unsigned char>(text.front());
+  const auto length = static_cast<std::size_t>(std::countl_one(lead));
+  if (length == 0) return 1;
+  if (length == 1 || length >= kLeast.size() || length > text.size()) return 0;
+  std::uint32_t code = lead & (0xFFU >> (length + 1));
+  for (const char c : text.substr(1, length - 1)) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >> 6 != 2) return 0;
+    code = code << 6 | (byte & 0x3FU);
+  }
+  const bool surrogate = code >= 0xD800 && code < 0xE000;
+  return code >= kLeast.at(length) && code <= 0x10FFFF && !surrogate ? length : 0;
+}
+
 void AppendQuoted(std::string& out, std::string_view text) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   out += '"';
-  for (const char c : text) {
-    const auto code = static_cast<unsigned char>(c);
-    if (c == '"' || c == '\\') {
-      out += '\\';
-      out += c;
-    } else if (code < 0x20) {
+  while (!text.empty()) {
+    const auto code = static_cast<unsigned char>(text.front());
+    const std::size_t length = CharacterLength(text);
+    if (code < 0x20 || length == 0) {
       out += "\\u00";
       out += kDigits[code >> 4];
       out += kDigits[code & 15];
     } else {
-      out += c;
+      if (code == '"' || code == '\\') out += '\\';
+      out += text.substr(0, length);
     }
+    text.remove_prefix(std::max<std::size_t>(length, 1));
   }
   out += '"';
 }

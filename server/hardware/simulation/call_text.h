@@ -9,8 +9,9 @@ namespace quillpg {
 /// Appends a number as the shortest decimal that reads back, anything else as it stands.
 void AppendPlain(std::string& out, const CALL_ARGUMENT& argument);
 
-/// Appends the argument as JSON: letters and texts as strings, numbers as the shortest decimal that
-/// reads back, null for a number that JSON has no notation for.
+/// Appends the argument as JSON: letters and texts as strings, with bytes that are no UTF-8 as
+/// \u00XX; numbers as the shortest decimal that reads back, null for one that JSON has no notation
+/// for.
 void AppendJson(std::string& out, const CALL_ARGUMENT& argument);
 
 }  // namespace quillpg

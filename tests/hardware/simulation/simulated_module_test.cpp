@@ -102,7 +102,10 @@ TEST(SimulatedModule, WritesEachCallAsOneLineOfTheTrace) {
   module.SetClockPeriod(6.25e-08);
   module.SetClockPeriod(std::numeric_limits<double>::infinity());
   module.SetDelay('A', 2, 1e-4);
-  module.SetLogDirectory("a\"b\\c\n");
+  // Characters of two to four bytes; no characters: a lone byte, cut ones, too long a form of '/',
+  // a surrogate, one past the last.
+  module.SetLogDirectory("a\"b\\c\n\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
+  module.SetLogDirectory("\xE9 \xC0\xAF \xED\xA0\x80 \xF4\x90\x80\x80 \xE2\x82");
   module.SetMessageRouter(nullptr);
   module.DefineEvent(1, "1XXXXXXXX");
   module.DataVectorsSM(words, 7, 0, 1, 0);
@@ -110,7 +113,8 @@ TEST(SimulatedModule, WritesEachCallAsOneLineOfTheTrace) {
 {"module":3,"op":"SetClockPeriod","args":[6.25e-08]}
 {"module":3,"op":"SetClockPeriod","args":[null]}
 {"module":3,"op":"SetDelay","args":["A",2,1e-04]}
-{"module":3,"op":"SetLogDirectory","args":["a\"b\\c\u000a"]}
+{"module":3,"op":"SetLogDirectory","args":["a\"b\\c\u000aé€😀"]}
+{"module":3,"op":"SetLogDirectory","args":["\u00e9 \u00c0\u00af \u00ed\u00a0\u0080 \u00f4\u0090\u0080\u0080 \u00e2\u0082"]}
 {"module":3,"op":"SetMessageRouter","args":[]}
 {"module":3,"op":"DefineEvent","args":[1,"1XXXXXXXX"]}
 {"module":3,"op":"DataVectorsSM","args":[7,0,1,0],"words":"ABCD0001000F)" +
