@@ -27,8 +27,8 @@ class QUILLPG_API CModuleManager {
   CModuleManager& operator=(const CModuleManager& other);
 
   /// Discovers the modules anew: simulated ones and those whose firmware the engine can work with;
-  /// others are left out silently. Reads no settings: see InitializeModules. E_FAIL, with no
-  /// modules, when the library gives no system.
+  /// others are left out silently. Reads no settings: see InitializeModules. S_OK, with no modules,
+  /// also when the library gives no system.
   Status Initialize();
 
   /// `count` modules without hardware, none for a count below 1; E_FAIL, with no modules, above

@@ -86,6 +86,10 @@ TEST(ModuleManager, AWalkThatDoesNotEndIsEnded) {
   system.moves = true;
   EXPECT_EQ(S_OK, manager.Initialize());
   EXPECT_EQ(256, CountModules(manager));
+  CExampleLibrary withoutSystem(nullptr);
+  CHardwareManager::Install(&withoutSystem);
+  EXPECT_EQ(S_OK, manager.Initialize());
+  EXPECT_EQ(0, CountModules(manager));
   CHardwareManager::Install(nullptr);
 }
 
