@@ -22,6 +22,7 @@ constexpr std::size_t kLongestName = 255;
 constexpr int kMostLinks = 40;
 constexpr int kMostTries = 16;
 constexpr mode_t kNewFile = 0666;  // less what the umask takes away
+constexpr mode_t kOwnersFile = 0600;  // until it has the permissions of the file it replaces
 constexpr mode_t kPermissions = 0777;
 
 bool FileInfo(const fs::path& path, struct stat& info) { return ::stat(path.c_str(), &info) == 0; }
@@ -90,7 +91,7 @@ Status CAtomicFile::OpenTarget(const std::string& path) {
   if (exists && old.st_nlink > 1 && m_care == FileCare::Work) return OpenInPlace();
   // The folder may allow what the file forbids.
   if (exists && !OpensForWriting(m_target)) return Refuse(errno);
-  const Status status = OpenBeside();
+  const Status status = OpenBeside(exists);
   return status == S_FALSE ? OpenInPlace() : status;
 }
 
@@ -103,11 +104,16 @@ std::string CAtomicFile::GetErrorText() const { return std::strerror(m_error); }
 
 // S_FALSE: the folder takes no new file. The lock comes before the truncation, and the name is
 // looked at again after it: the file may be another saver's, finished and renamed meanwhile.
-Status CAtomicFile::OpenBeside() {
+Status CAtomicFile::OpenBeside(bool exists) {
+  m_folder = m_target.has_parent_path() ? m_target.parent_path() : fs::path(".");
   m_temporary = TemporaryFor(m_target);
+  if (m_temporary == m_target) {  // a name that the suffix ends, and as long as names can be
+    m_temporary.clear();
+    return Refuse(ENAMETOOLONG);
+  }
   for (int i = 0; i < kMostTries; ++i) {
     m_file = ::open(m_temporary.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
-                    kNewFile);
+                    exists ? kOwnersFile : kNewFile);
     if (m_file < 0) {
       const int error = errno;
       const bool closed = error == EACCES || error == EPERM || error == EROFS;
@@ -192,6 +198,7 @@ bool CAtomicFile::FlushToDisk() const {
   return m_temporary.empty() && (errno == EINVAL || errno == ENOTSUP || errno == EROFS);  // devices
 }
 
+// Allocates nothing: once the new name stands, nothing may fail.
 bool CAtomicFile::Replace() const {
   if (m_temporary.empty()) return true;
   if (!IsNamed(m_file, m_temporary)) {
@@ -201,8 +208,7 @@ bool CAtomicFile::Replace() const {
   if (::rename(m_temporary.c_str(), m_target.c_str()) != 0) return false;
   if (m_care != FileCare::Work) return true;
   // The new name too must outlast a power cut; a folder that cannot be opened does without.
-  const fs::path folder = m_target.has_parent_path() ? m_target.parent_path() : fs::path(".");
-  const int directory = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  const int directory = ::open(m_folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (directory >= 0) {
     (void)::fsync(directory);
     (void)::close(directory);

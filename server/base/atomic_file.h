@@ -24,7 +24,7 @@ enum class FileCare {
 /// behind is taken over by the next save to the same target.
 ///
 /// A symbolic link is followed and the file it names replaced. Devices and pipes are written as the
-/// bytes come. FileCare::Work alone also writes in place, so that a failure there can damage the
+/// bytes come; a reader that goes away sends the process SIGPIPE, as with any write. FileCare::Work alone also writes in place, so that a failure there can damage the
 /// old file: one with several hard links (a replacement would part them), and one in a folder that
 /// takes no new file.
 class QUILLPG_API CAtomicFile : public CByteSink {
@@ -57,7 +57,7 @@ class QUILLPG_API CAtomicFile : public CByteSink {
 
  private:
   Status OpenTarget(const std::string& path);
-  Status OpenBeside();
+  Status OpenBeside(bool exists);
   Status OpenInPlace();
   Status Refuse(int error);
   bool TakeOverAttributes();
@@ -66,6 +66,7 @@ class QUILLPG_API CAtomicFile : public CByteSink {
   bool Close();
 
   std::filesystem::path m_target;
+  std::filesystem::path m_folder;
   std::filesystem::path m_temporary;  ///< empty while writing in place
   FileCare m_care = FileCare::Work;
   int m_file = -1;

@@ -98,7 +98,8 @@ TEST(AtomicFile, RefusesWhatMayNotBeWritten) {
   const std::string own = folder.Write("own", "old");
   ASSERT_EQ(0, chmod(own.c_str(), 0444));
   for (const std::string& path : {own, folder.Path().string(), folder.File("none/target"),
-                                  std::string(), folder.File(std::string(256, 'n'))}) {
+                                  std::string(), folder.File(std::string(256, 'n')),
+                                  folder.File(std::string(240, 'n') + ".quillpg-saving")}) {
     EXPECT_EQ(PG_E_FILE_NOT_OPENED, Save(path, "new")) << path;
   }
   EXPECT_EQ("old", folder.Text("own"));
