@@ -51,13 +51,18 @@ std::string_view FileName(const char* path) {
 int CMessageService::ShowMessage(int number, int style, int helpContext, int defaultAnswer) {
   if (GblClientConnected != 0) return defaultAnswer;
   const int context = helpContext == kOwnHelpContext ? number : helpContext;
-  return CHostServices::Get().ShowBox(Text(number), style, context, defaultAnswer);
+  return ShowText(Text(number), style, context, defaultAnswer);
 }
 
 int CMessageService::ShowText(const std::string& text, int style, int helpContext,
                               int defaultAnswer) {
   if (GblClientConnected != 0) return defaultAnswer;
-  return CHostServices::Get().ShowBox(text, style, helpContext, defaultAnswer);
+  int answer = defaultAnswer;
+  (void)GuardAllocation([&] {  // a box that does not fit is done without
+    answer = CHostServices::Get().ShowBox(text, style, helpContext, defaultAnswer);
+    return S_OK;
+  });
+  return answer;
 }
 
 void CMessageService::Notice(int number) {

@@ -113,8 +113,7 @@ void CByteReader::Count(const char* name, int leastBytes, int& count) {
 
 std::span<const std::uint8_t> CByteReader::Bytes(const char* name, std::uint64_t size) {
   if (size > Remaining()) {
-    m_fieldOffset = Offset();
-    Refuse(name);
+    RefuseNext(name);
     return {};
   }
   const std::uint8_t* bytes = Take(name, static_cast<std::size_t>(size));
@@ -129,8 +128,7 @@ void CByteReader::Skip(const char* name, std::uint64_t size) {
       left -= chunk;
     }
   } else {
-    m_fieldOffset = Offset();
-    Refuse(name);
+    RefuseNext(name);
   }
 }
 

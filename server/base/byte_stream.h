@@ -103,6 +103,11 @@ class CByteReader {
   Status GetStatus() const { return Good() ? S_OK : PG_E_INSTRUMENT_RECORD; }
   /// Makes the field that was just read the one that failed.
   void Refuse(const char* name);
+  /// Makes the field that would come next the one that failed.
+  void RefuseNext(const char* name) {
+    m_fieldOffset = Offset();
+    Refuse(name);
+  }
   /// The field that failed; null for none.
   const char* FailedField() const { return m_failedField; }
   std::uint64_t FailedOffset() const { return m_failedOffset; }
@@ -176,6 +181,8 @@ class CByteWriter {
   bool Good() const { return !m_failed; }
   /// S_OK, or E_FAIL when memory ran out or the sink refused.
   Status GetStatus() const { return m_failed ? E_FAIL : S_OK; }
+  /// For what has to be written and cannot be got.
+  void Fail();
   /// Hands the sink what is left.
   void Flush();
   /// What was written and not yet handed to a sink.
@@ -194,7 +201,6 @@ class CByteWriter {
   }
   bool MakeRoom(std::size_t size);
   void Put(std::span<const std::uint8_t> bytes);
-  void Fail();
 
   CByteSink* m_sink = nullptr;
   std::vector<std::uint8_t> m_buffer;

@@ -12,6 +12,8 @@ struct SETUP_FILE_FORM {
   bool rebuildsNames = false;
   /// Records are read only to get past them: blocks leave their pattern data out.
   bool stepsOver = false;
+  /// The blocks that are there go once the groups are read: nothing need bring them into step.
+  bool replacesBlocks = false;
 };
 
 /// Reads the records of a setup file.

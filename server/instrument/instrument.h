@@ -226,8 +226,9 @@ class QUILLPG_API CInstrument {
   Status AddSectionToGroup(const std::string& group, int section, int position);
   /// E_FAIL when the group holds no channel of the section.
   Status DeleteSectionFromGroup(const std::string& group, int section);
-  /// Writes the channel-names text of the group anew from its channels.
-  void RebuildChannelNames(GROUP& group) const;
+  /// Writes the channel-names text of the group anew from its channels. Throws length_error when it
+  /// would be longer than `mostBytes`: a file may list one channel of a long name many times.
+  void RebuildChannelNames(GROUP& group, std::size_t mostBytes = std::string::npos) const;
 
   // --- pattern data ---
   // Writing marks the block and the block manager as changed. Group operations read 0 and write

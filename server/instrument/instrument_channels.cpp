@@ -6,6 +6,7 @@
 #include "quillpg/event_handler.h"
 
 #include <cstddef>
+#include <stdexcept>
 
 // Names of channels, and channels of groups.
 
@@ -97,7 +98,7 @@ GROUP* CInstrument::FindGroup(const std::string& name) const {
   return group;
 }
 
-void CInstrument::RebuildChannelNames(GROUP& group) const {
+void CInstrument::RebuildChannelNames(GROUP& group, std::size_t mostBytes) const {
   std::string text;
   std::string name;
   for (const int channel : group.Channels()) {
@@ -106,6 +107,7 @@ void CInstrument::RebuildChannelNames(GROUP& group) const {
     if (name.empty()) (void)GetChannelDefaultName(channel, name);
     if (!text.empty()) text += ',';
     text += name;
+    if (text.size() > mostBytes) throw std::length_error("channel names");
   }
   (void)group.SetChannelNames(text);
 }

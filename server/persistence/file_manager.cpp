@@ -92,6 +92,7 @@ void CFileManager::ShowReadingMessage(const std::string& fileName) const {
 
 Status CFileManager::OpenForReading(const std::string& fileName) {
   CloseInput();
+  m_fault = {};
   m_output->Discard();
   const Status status = GuardAllocation(
       [&] {
@@ -129,6 +130,7 @@ void CFileManager::FetchRecords() {
 }
 
 void CFileManager::CloseInput() {
+  if (m_reader) m_fault = {m_reader->FailedField(), m_reader->FailedOffset()};
   m_reader.reset();
   m_input.reset();
 }

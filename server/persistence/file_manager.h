@@ -4,6 +4,7 @@
 #include "quillpg/engine_types.h"
 #include "quillpg/result_codes.h"
 
+#include <cstdint>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -26,6 +27,12 @@ struct FIXED_SECTION;
 /// What a file dialog shows of a setup file.
 struct PREVIEW_INFO {
   std::string comment;  ///< trimmed; empty for a file that is no setup file
+};
+
+/// Where a file could not be read any further.
+struct READ_FAULT {
+  const char* field = nullptr;  ///< null for none
+  std::uint64_t offset = 0;     ///< bytes from the start of the file
 };
 
 /// Saves the system or one instrument to a setup file and loads it back; checks beforehand whether
@@ -88,7 +95,8 @@ class QUILLPG_API CFileManager {
   /// as many of them as there are.
   Status CreateInstruments(CModuleManager* modules, CInstrumentManager* instruments);
 
-  /// The records of one instrument. E_FAIL unless a save or load is going on.
+  /// The records of one instrument. E_FAIL unless a save or load is going on, and while that is at
+  /// the records of one.
   Status SaveInstrument(CInstrument* instrument);
   Status LoadInstrument(CInstrument* instrument);
 
@@ -115,6 +123,8 @@ class QUILLPG_API CFileManager {
   static int IsLoadModuleEnabled();
   /// Head of the last file read or written.
   const FIXED_SECTION& FixedSection() const { return *m_fixedSection; }
+  /// Of the last file read; there may be one behind the blocks of a load that gave S_OK.
+  const READ_FAULT& Fault() const { return m_fault; }
 
   // --- the head alone, on a binary stream ---
 
@@ -177,9 +187,11 @@ class QUILLPG_API CFileManager {
   std::unique_ptr<FIXED_SECTION> m_fixedSection;
   std::unique_ptr<CInputFile> m_input;
   std::unique_ptr<CSetupFileReader> m_reader;
+  READ_FAULT m_fault;
   std::unique_ptr<CAtomicFile> m_output;
   std::unique_ptr<CByteWriter> m_writer;
   bool m_working = false;
+  bool m_inInstrument = false;  ///< the records of one are being written or read
 
   static int m_loadModule;
 };

@@ -84,13 +84,15 @@ Status CFileManager::MakeInstruments(CModuleManager& modules,
 // --- one instrument ---
 
 Status CFileManager::LoadInstrument(CInstrument* instrument) {
-  if (!instrument || !m_reader) return E_FAIL;
+  const CWorkMark work(m_inInstrument);
+  if (!work.Taken() || !instrument || !m_reader) return E_FAIL;
   return GuardAllocation(
       [&] {
         std::string software;
         if (m_server) (void)m_server->GetSoftwareVersion(software);
         SETUP_FILE_FORM form = FormOfVersion(m_fixedSection->softwareVersion, software);
         form.stepsOver = m_loadModule != 0;
+        form.replacesBlocks = true;
         m_reader->SetForm(form);
         Status status = instrument->Read(*m_reader, m_fixedSection->programDataSaved);
         if (status != S_OK) return status;
@@ -136,16 +138,19 @@ Status CFileManager::LoadSystem(const std::string& fileName, int loadFlag) {
   m_loadFlag = loadFlag;
   m_loadModule = 0;  // a search that found nothing leaves it set
   status = GuardAllocation([&] { return LoadAll(*modules, busy); }, PG_E_INSTRUMENT_RECORD);
-  const bool loaded = status == S_OK;
-  // What a failed load leaves must not be saved over the file that the system had.
-  (void)m_instruments->SetFileName(loaded ? fileName : std::string());
-  (void)m_instruments->SetComment(loaded ? m_comment : std::string());
+  if (status == S_OK) {
+    (void)m_instruments->SetFileName(fileName);
+    (void)m_instruments->SetComment(m_comment);
+  }
   CloseInput();
   return status;
 }
 
 Status CFileManager::LoadAll(CModuleManager& modules, CBusyMark& busy) {
   FetchRecords();
+  // What a failed load leaves must not be saved over the file that the system had.
+  (void)m_instruments->SetFileName({});
+  (void)m_instruments->SetComment({});
   Status status = MakeInstruments(modules, *m_instruments);
   busy.Keep();
   const int count = CountOf(*m_instruments);
@@ -169,6 +174,7 @@ Status CFileManager::LoadDataWindow(const std::string& fileName,
     m_loadModule = 1;
     (void)GuardAllocation([&] {
       FetchRecords();
+      (void)m_instruments->SetFileName({});  // the old one goes, whether or not there is a new one
       (void)MakeInstruments(*modules, *m_instruments);
       busy.Keep();
       bool found = false;
@@ -178,9 +184,8 @@ Status CFileManager::LoadDataWindow(const std::string& fileName,
         if (found) m_loadModule = 0;
         (void)LoadInstrument(At(*m_instruments, i));  // what could be read is shown
       }
-      return S_OK;
+      return m_instruments->SetFileName(fileName);
     });
-    (void)m_instruments->SetFileName(fileName);
   }
   SetStatusMessage("");
   CloseInput();
@@ -217,7 +222,8 @@ Status CFileManager::LoadNamed(const std::string& fileName, const std::string& i
   if (!found) return status;
   m_loadModule = 0;
   std::string name;
-  (void)target.GetInstrumentName(name);
+  status = target.GetInstrumentName(name);
+  if (status != S_OK) return status;
   status = LoadInstrument(&target);
   (void)target.RestoreInstrumentName(name);
   std::string systemFile;

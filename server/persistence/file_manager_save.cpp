@@ -125,6 +125,9 @@ Status CFileManager::WriteFixedSection(std::ostream& stream, FileType type, int 
 Status CFileManager::SaveSystem(const std::string& fileName, const std::string& comment, int flag) {
   const CWorkMark work(m_working);
   if (!work.Taken() || !m_instruments) return E_FAIL;
+  // Whoever is told of the progress must not replace what is being written.
+  CBusyMark busy(*m_instruments);
+  busy.Keep();
   const CWaitCursor cursor;
   Status status = GuardAllocation([&] {
     m_comment = comment;
@@ -142,6 +145,8 @@ Status CFileManager::SaveModule(const std::string& fileName, const std::string& 
   const CWorkMark work(m_working);
   if (!work.Taken() || !m_instruments) return E_FAIL;
   if (!InstrumentAt(m_instruments, position) || !m_instruments->Holds(instrument)) return E_FAIL;
+  CBusyMark busy(*m_instruments);
+  busy.Keep();
   const CWaitCursor cursor;
   const Status status = GuardAllocation([&] {
     m_comment = comment;
@@ -153,15 +158,14 @@ Status CFileManager::SaveModule(const std::string& fileName, const std::string& 
 
 Status CFileManager::WriteFile(const std::string& fileName, FileType type, int position,
                                const std::vector<CInstrument*>& instruments) {
-  // Whoever is told of the progress must not replace what is being written.
-  CBusyMark busy(*m_instruments);
-  busy.Keep();
   Status status = m_output->Open(fileName);
   if (status != S_OK) return status;
-  m_writer = std::make_unique<CByteWriter>(*m_output);
-  status = WriteRecords(type, position, instruments);
-  m_writer->Flush();
-  if (status == S_OK) status = m_writer->GetStatus();
+  status = GuardAllocation([&] {
+    m_writer = std::make_unique<CByteWriter>(*m_output);
+    const Status written = WriteRecords(type, position, instruments);
+    m_writer->Flush();
+    return written == S_OK ? m_writer->GetStatus() : written;
+  });
   m_writer.reset();
   if (status == S_OK) return m_output->Commit();
   m_output->Discard();
@@ -180,7 +184,8 @@ Status CFileManager::WriteRecords(FileType type, int position,
 }
 
 Status CFileManager::SaveInstrument(CInstrument* instrument) {
-  if (!instrument || !m_writer) return E_FAIL;
+  const CWorkMark work(m_inInstrument);
+  if (!work.Taken() || !instrument || !m_writer) return E_FAIL;
   return GuardAllocation([&] {
     Status status = instrument->Write(*m_writer);
     if (status != S_OK) return status;

@@ -17,12 +17,11 @@ constexpr std::size_t kChunk = 65536;
 
 Status CInputFile::Open(const std::string& path) {
   std::error_code error;
-  // A stream opens a folder and only fails to read it.
-  if (fs::is_directory(path, error)) return PG_E_FILE_NOT_OPENED;
+  // A pipe waits for a writer to open it, and then for what it writes; a folder is not read at all.
+  if (!fs::is_regular_file(path, error)) return PG_E_FILE_NOT_OPENED;
   m_stream.open(path, std::ios::in | std::ios::binary);
   if (!m_stream.good()) return PG_E_FILE_NOT_OPENED;
-  const bool measured = fs::is_regular_file(path, error);
-  const std::uintmax_t length = measured ? fs::file_size(path, error) : 0;
+  const std::uintmax_t length = fs::file_size(path, error);
   m_length = error ? 0 : static_cast<std::size_t>(length);
   m_more = true;
   return S_OK;

@@ -15,7 +15,7 @@ namespace quillpg {
 /// head, all of it to load it. Never creates a file. What allocates may throw bad_alloc.
 class CInputFile {
  public:
-  /// PG_E_FILE_NOT_OPENED for a folder and for what cannot be read.
+  /// PG_E_FILE_NOT_OPENED for what is no regular file and for what cannot be read.
   Status Open(const std::string& path);
 
   /// Sees to it that the first `count` bytes are held, fewer when the file ends before.

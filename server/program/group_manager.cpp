@@ -11,6 +11,14 @@
 
 namespace quillpg {
 
+namespace {
+
+// Of all channel-names texts that a file of an old version makes: what an instrument of five modules
+// with the longest names needs is far below.
+constexpr std::size_t kMostRebuiltBytes = std::size_t{1} << 20;
+
+}  // namespace
+
 CGroupManager::CGroupManager() = default;
 
 CGroupManager::~CGroupManager() = default;
@@ -302,12 +310,16 @@ Status CGroupManager::Read(CSetupFileReader& reader) {
                  (void)m_groups.At(index)->Read(reader);
                });
     if (reader.Form().rebuildsNames && Instrument()) {
-      m_groups.ForEach([this](GROUP& group) { Instrument()->RebuildChannelNames(group); });
+      std::size_t room = kMostRebuiltBytes;
+      m_groups.ForEach([&](GROUP& group) {
+        Instrument()->RebuildChannelNames(group, room);
+        room -= group.GetChannelNames().size();
+      });
     }
     return S_OK;
   });
   if (Failed(status)) reader.Refuse(GROUP_LIST.record);
-  UpdateListingState();
+  if (!reader.Form().replacesBlocks) UpdateListingState();
   return reader.GetStatus();
 }
 

@@ -84,7 +84,7 @@ Status CWaveformManager::UpdateInhibitControlList() {
     }
     const std::shared_ptr<WAVEFORM_ROWS> shared = m_rows.use_count() > 1 ? m_rows : nullptr;
     const Status status = UpdateInhibitRows(controls);
-    if (!Failed(status) && shared && m_rows != shared) {  // the next block need not do it again
+    if (!Failed(status) && shared) {  // the next block need not do it again
       cache.outdated = shared;
       cache.updateRevision = revision;
       cache.controls = std::move(controls);

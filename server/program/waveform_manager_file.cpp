@@ -36,7 +36,7 @@ Status CWaveformManager::Read(CSetupFileReader& reader, WAVEFORM_ROWS_IMAGE* las
 
 Status CWaveformManager::Write(CByteWriter& writer, WAVEFORM_ROWS_IMAGE* lastRows) const {
   if (!lastRows) return WriteRecords(writer, ROW_LIST, *m_rows);
-  return GuardAllocation([&] {
+  const Status status = GuardAllocation([&] {
     if (lastRows->rows != m_rows) {
       CByteWriter image;
       const Status written = WriteRecords(image, ROW_LIST, *m_rows);
@@ -46,8 +46,10 @@ Status CWaveformManager::Write(CByteWriter& writer, WAVEFORM_ROWS_IMAGE* lastRow
       lastRows->rows = m_rows;
     }
     writer.Bytes(ROW_LIST.record, lastRows->bytes);
-    return writer.GetStatus();
+    return S_OK;
   });
+  if (Failed(status)) writer.Fail();
+  return writer.GetStatus();
 }
 
 }  // namespace quillpg

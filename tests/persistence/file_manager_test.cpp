@@ -1,9 +1,12 @@
 #include "persistence/file_manager.h"
 
 #include "persistence/fixed_section.h"
+#include "support/failing_allocation.h"
 #include "support/saved_system.h"
 
 #include <gmock/gmock.h>
+
+#include <sys/stat.h>
 
 namespace quillpg {
 namespace {
@@ -25,7 +28,7 @@ TEST(FileManager, SystemComesBackAsItWas) {
   ASSERT_EQ("11111111", system.Data(2));
   ASSERT_EQ(S_OK, system.Server().LoadSystem(system.File()));
   EXPECT_EQ(30U, system.Router().percents.size());
-  EXPECT_EQ(2U, system.Router().status.size());
+  EXPECT_EQ("s" + std::string(15, '%') + "s" + std::string(15, '%'), system.Router().order);
   for (int i = 0; i < 3; ++i) EXPECT_EQ(CSavedSystem::DataOf(i), system.Data(i)) << i;
   EXPECT_EQ(0, Ask(system.Instruments(), &CInstrumentManager::GetCurrentInst));
   ASSERT_EQ(S_OK, system.Server().SaveSystem(1));  // by the name and comment that were loaded
@@ -70,6 +73,7 @@ TEST(FileManager, ModuleFileHoldsOneInstrument) {
   EXPECT_EQ(file, Ask(*system.Instrument(2), &CInstrument::GetFileName));
   EXPECT_THAT(system.Router().status,
               ElementsAre("Reading the file " + file + ". Please wait...", ""));
+  EXPECT_EQ("%%%%%s%%%%%s", system.Router().order);
   EXPECT_EQ(0, system.Host().cursorDepth);
 }
 
@@ -148,6 +152,8 @@ TEST(FileManager, TellsWhatItCannotOpen) {
   }
   EXPECT_EQ(PG_E_FILE_MISSING, system.Files().IsPGFile(system.File("none")));
   EXPECT_EQ(PG_E_FILE_NOT_OPENED, system.Files().IsPGFile(system.Folder().Path().string()));
+  ASSERT_EQ(0, mkfifo(system.File("pipe").c_str(), 0600));
+  EXPECT_EQ(PG_E_FILE_NOT_OPENED, system.Files().IsPGFile(system.File("pipe"))) << "nobody writes";
 }
 
 TEST(FileManager, ChecksWhetherASystemFits) {
@@ -252,6 +258,48 @@ TEST(FileManager, RefusedSaveLeavesFileAndModelAlone) {
   EXPECT_EQ(0, system.Host().cursorDepth);
 }
 
+TEST(FileManager, OutOfMemoryLosesNeitherFileNorName) {
+  CSavedSystem system(2);
+  CMessageRouter router;  // the recording one allocates
+  const std::string file = system.File();
+  const std::string comment = "new";
+  (void)system.Server().SetMessageRouter(&router);
+  CFileManager& files = system.Files();
+  ASSERT_EQ(S_OK, files.SaveSystem(system.File("old"), "old", 0));
+  ASSERT_EQ(S_OK, files.SaveSystem(system.File("new"), "new", 1));
+  ASSERT_EQ(S_OK, files.SaveSystem(file, comment, 1));
+  const std::string images[] = {system.Bytes("old"), system.Bytes("new")};
+  bool hit = true;
+  for (long position = 0; hit; ++position) {
+    SCOPED_TRACE(position);
+    (void)system.Folder().Write("system.pgs", images[0]);
+    Status status = S_OK;
+    {
+      const CFailingAllocation failing(position);
+      status = files.SaveSystem(file, comment, 1);
+      hit = failing.Hit();
+    }
+    EXPECT_TRUE(system.Bytes() == images[status == S_OK ? 1 : 0]);
+    EXPECT_EQ(3U, system.Folder().Names().size());
+    EXPECT_EQ(E_FAIL, files.SaveInstrument(system.Instrument(0))) << "the file is still open";
+  }
+  hit = true;
+  for (long position = 0; hit; position += 1 + position / 20) {
+    SCOPED_TRACE(position);
+    ASSERT_EQ(S_OK, files.LoadSystem(system.File("new"), 0));
+    Status status = S_OK;
+    {
+      const CFailingAllocation failing(position);
+      status = files.LoadSystem(file, 0);
+      hit = failing.Hit();
+    }
+    const std::string name = system.SystemFile();
+    EXPECT_TRUE(name.empty() || system.Data(1) == CSavedSystem::DataOf(1));
+    EXPECT_TRUE(name.empty() || name == (status == S_OK ? file : system.File("new")));
+    EXPECT_EQ(E_FAIL, files.LoadInstrument(system.Instrument(0))) << "the file is still open";
+  }
+}
+
 // --- callbacks ---
 
 class CMeddlingRouter : public CMessageRouter {
@@ -267,6 +315,8 @@ class CMeddlingRouter : public CMessageRouter {
                      m_system.Server().LoadSystem(m_system.File()),
                      m_system.Files().IsPGFile(m_system.File()),
                      m_system.Files().SaveSystem(m_system.File("second"), "", 1),
+                     m_system.Files().SaveInstrument(m_system.Instrument(0)),
+                     m_system.Files().LoadInstrument(m_system.Instrument(0)),
                      m_system.Server().DefaultSystem(), m_system.Server().Compile()});
   }
   std::set<Status> statuses;

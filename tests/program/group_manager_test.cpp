@@ -1,5 +1,6 @@
 #include "program/group_manager.h"
 
+#include "base/setup_file_reader.h"
 #include "support/instrument_fixture.h"
 
 #include <gmock/gmock.h>
@@ -104,6 +105,20 @@ TEST_F(GroupManager, CopyingEmptiesTheTarget) {
   other = Groups();
   EXPECT_EQ(Ask(other, &CGroupManager::GetNoOfGroups), 0);
   EXPECT_THAT(Names(), ElementsAre("Data", "Bus"));
+}
+
+// One long name for many channel numbers would fill the memory.
+TEST_F(GroupManager, OldFilesMakeNoTextsWithoutEnd) {
+  for (const int channels : {100, 20'000}) {
+    CByteWriter writer;
+    writer.Count("", 0, 1);
+    writer.Field("", std::string("Old"));
+    writer.Count("", 0, channels);
+    for (int i = 0; i < channels; ++i) writer.Field("", 0);
+    (void)Instrument().SetChannelName(0, std::string(1000, 'x'));
+    CSetupFileReader reader(writer.Written(), {.hasNamesAndRows = false, .rebuildsNames = true});
+    EXPECT_EQ(channels == 100 ? S_OK : PG_E_INSTRUMENT_RECORD, Groups().Read(reader));
+  }
 }
 
 TEST_F(GroupManager, CreatesTheGroupsOfAnImport) {

@@ -20,16 +20,21 @@ class CRecordingRouter : public CMessageRouter {
     }
     Call();
   }
-  void SetStatusMessage(const std::string& text) override { status.push_back(text), Call(); }
+  void SetStatusMessage(const std::string& text) override {
+    status.push_back(text), order += 's', Call();
+  }
   void SetProgressTitle(const std::string& text) override { titles.push_back(text), Call(); }
   void SetProgressMessage(const std::string& text) override { messages.push_back(text), Call(); }
-  void SetProgressStatus(int percent) override { percents.push_back(percent), Call(); }
+  void SetProgressStatus(int percent) override {
+    percents.push_back(percent), order += '%', Call();
+  }
 
   std::vector<std::string> output;  ///< lines of the output window since it was last cleared
   std::vector<std::string> status;
   std::vector<std::string> titles;
   std::vector<std::string> messages;
   std::vector<int> percents;
+  std::string order;  ///< s for each status text, % for each percentage
   int clears = 0;
   std::function<void()> onCall;  ///< runs in every call
 
