@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/byte_stream.h"
 #include "quillpg/engine_types.h"
 #include "quillpg/limits.h"
 
@@ -82,9 +83,10 @@ void LayOutSettings(auto& file, auto&& name, auto&& enabled, auto&& channelMode,
   file.Field("output signal destination", outputDestination);
 }
 
-/// Not a list: the count is the file's, the modules are the instrument's.
-void LayOutModules(auto& file, auto&& count, auto&& module) {
-  file.Field("module count", count);
+/// Not a list: the count is the file's, the modules are the instrument's. `field` is what the count
+/// is written from or read into.
+void LayOutModules(auto& file, auto&& field, const int& count, auto&& module) {
+  file.Field("module count", field);
   for (int i = 0; i < count && file.Good(); ++i) file.Record("module", i, [&] { module(i); });
 }
 
@@ -115,8 +117,9 @@ void LayOutVariableProbe(auto& file, auto& variable) {
   }
 }
 
-/// `podType` is the type in the file, which says whether a variable probe's settings follow.
-void LayOutProbe(auto& file, auto& podType, auto& probe) {
+/// `podType` is the type in the file, which says whether a variable probe's settings follow those
+/// that every probe has; `between()` comes before them.
+void LayOutProbe(auto& file, auto& podType, auto& probe, auto&& between) {
   file.Field("pod type", podType);
   file.Field("output level", probe.outputLevel);
   file.Truth("strobe inhibit", probe.strobeInhibit);
@@ -125,6 +128,7 @@ void LayOutProbe(auto& file, auto& podType, auto& probe) {
   file.Field("strobe timing", probe.strobeTiming);
   file.Truth("strobe enable", probe.strobeEnable);
   for (auto& name : probe.channelNames) file.Field("channel name", name);
+  if (file.Good()) between();
   if (podType == PodType::Variable && file.Good()) LayOutVariableProbe(file, probe.variable);
 }
 
@@ -141,8 +145,26 @@ void LayOutGroup(auto& file, bool withNames, auto& name, auto& channels, auto& c
 
 // --- blocks ---
 
-/// The pattern data in the middle: (size x width) / 8 bytes, rounded down (deliberate: a partial
-/// last byte is lost).
+/// Reads a number into `target`; refused out of its bounds.
+inline auto ReadBetween(int& target, int least, int most) {
+  return ReadInto<int>([&target, least, most](int value) {
+    target = value;
+    return value >= least && value <= most;
+  });
+}
+inline auto ReadBlockSize(int& size) {
+  return ReadBetween(size, MIN_FILE_BLOCK_SIZE, MAX_FILE_BLOCK_SIZE);
+}
+inline auto ReadBlockWidth(int& width) { return ReadBetween(width, 0, MAX_FILE_BLOCK_WIDTH); }
+
+/// Rounded down, deliberately: a partial last byte is lost.
+inline std::uint64_t PatternDataBytes(int size, int width) {
+  return size > 0 && width > 0
+             ? static_cast<std::uint64_t>(size) * static_cast<std::uint64_t>(width) / 8
+             : 0;
+}
+
+/// The pattern data, PatternDataBytes of them, in the middle.
 void LayOutBlock(auto& file, bool withRows, auto&& size, auto&& width, auto& name, auto&& data,
                  auto&& listingState, auto&& rows) {
   file.Field("block size", size);

@@ -119,13 +119,13 @@ Status PROBE_SETUP::Write(std::ostream& stream) const { return WriteToStream(str
 
 Status PROBE_SETUP::Read(CSetupFileReader& reader) {
   PodType typeInFile = PodType::None;  // never stored: the hardware alone tells the type
-  LayOutProbe(reader, typeInFile, *this);
-  (void)CompareAndUpdateOutputLevel(typeInFile);
+  LayOutProbe(reader, typeInFile, *this,
+              [&] { (void)CompareAndUpdateOutputLevel(typeInFile); });
   return reader.GetStatus();
 }
 
 Status PROBE_SETUP::Write(CByteWriter& writer) const {
-  LayOutProbe(writer, podType, *this);
+  LayOutProbe(writer, podType, *this, [] {});
   return writer.GetStatus();
 }
 

@@ -24,7 +24,7 @@ constexpr std::uint64_t kSettingsRecordBytes = 69;  // without name and modules
 
 Status CInstrument::GetSize(unsigned long& size, int flag) const {
   std::uint64_t bytes = kSettingsRecordBytes + m_name.size();
-  for (const CModule* module : m_modules) bytes += module->GetSize();
+  for (const CModule* module : m_modules) bytes += module ? module->GetSize() : 0;
   const auto add = [&bytes](const auto& manager) {
     std::uint64_t part = 0;
     (void)manager.GetSize(part);
@@ -53,12 +53,15 @@ Status CInstrument::Read(CSetupFileReader& reader, int programDataSaved) {
   const Status status = GuardAllocation(
       [&] {
         ReadSettings(reader);
-        // More than the largest instrument cannot be loaded: deliberate.
-        if (m_modules.size() > MAX_INSTRUMENT_MODULES) reader.Refuse("module count");
         int count = 0;
-        LayOutModules(reader, count, [&](int index) {
+        // More than the largest instrument cannot be loaded: deliberate.
+        const auto countInto = ReadInto<int>([&](int value) {
+          count = value;
+          return m_modules.size() <= MAX_INSTRUMENT_MODULES;
+        });
+        LayOutModules(reader, countInto, count, [&](int index) {
           CModule* module = ModuleAt(index);
-          if (!module || module->Read(reader) != S_OK) reader.Refuse("module");
+          if (!module || module->Read(reader) != S_OK) reader.RefuseNext("module");
         });
         return reader.GetStatus();
       },
@@ -101,7 +104,8 @@ Status CInstrument::Write(CByteWriter& writer) const {
                  held.inputSignalSource, held.outputSignalDest);
   // Checked before the first module record, so that the cut lies behind the count.
   const bool complete = std::ranges::find(m_modules, nullptr) == m_modules.end();
-  LayOutModules(writer, static_cast<int>(m_modules.size()), [&](int index) {
+  const int count = static_cast<int>(m_modules.size());
+  LayOutModules(writer, count, count, [&](int index) {
     if (complete) (void)m_modules[static_cast<std::size_t>(index)]->Write(writer);
   });
   return complete ? writer.GetStatus() : PG_E_MODULE_MISSING;

@@ -46,19 +46,18 @@ std::size_t CFieldTracer::Enter(const char* name, int index) {
   return length;
 }
 
-// Quoted; quotes, backslashes and everything that is no printable ASCII escaped.
-std::string CFieldTracer::Text(const std::string& value) {
-  std::string text = "\"";
-  for (const char c : value) {
-    if (c == '"' || c == '\\') text += '\\';
+std::string CFieldTracer::Escaped(const std::string& text) {
+  std::string escaped;
+  for (const char c : text) {
+    if (c == '"' || c == '\\') escaped += '\\';
     if (c >= ' ' && c <= '~') {
-      text += c;
+      escaped += c;
     } else {
-      text += "\\x";
-      AppendHex(text, static_cast<std::uint8_t>(c));
+      escaped += "\\x";
+      AppendHex(escaped, static_cast<std::uint8_t>(c));
     }
   }
-  return text + '"';
+  return escaped;
 }
 
 std::string CFieldTracer::NumberText(std::int64_t value) {

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace quillpg {
@@ -30,10 +31,17 @@ class CFieldTracer {
       : m_reader(reader), m_visit(std::move(visit)) {}
 
   template <typename T>
-  void Field(const char* name, T& value) {
+  requires(FileNumber<T> || std::is_same_v<T, std::string>) void Field(const char* name, T& value) {
     const std::uint64_t offset = m_reader.Offset();
     m_reader.Field(name, value);
     Tell(name, offset, value);
+  }
+  /// Tells of a value that is refused, too.
+  template <typename T, typename Store>
+  void Field(const char* name, const READ_INTO<T, Store>& target) {
+    T value{};
+    Field(name, value);
+    if (Good() && !target.store(value)) Refuse(name);
   }
   void Truth(const char* name, std::int32_t& value) { Field(name, value); }
   void Count(const char* name, int leastBytes, int& count) {
@@ -55,6 +63,9 @@ class CFieldTracer {
   void Refuse(const char* name) { m_reader.Refuse(name); }
   CSetupFileReader& Reader() { return m_reader; }
 
+  /// Quotes and backslashes escaped, and everything that is no printable ASCII.
+  static std::string Escaped(const std::string& text);
+
  private:
   template <typename T>
   void Tell(const char* name, std::uint64_t offset, const T& value) {
@@ -69,7 +80,7 @@ class CFieldTracer {
       return NumberText(value);
     }
   }
-  static std::string Text(const std::string& value);
+  static std::string Text(const std::string& value) { return '"' + Escaped(value) + '"'; }
   static std::string NumberText(std::int64_t value);
   static std::string NumberText(std::int32_t value) { return NumberText(std::int64_t{value}); }
   static std::string NumberText(float value);

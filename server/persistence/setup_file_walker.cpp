@@ -78,11 +78,12 @@ class CSetupFileWalker {
                    m_scratch.wide, m_scratch.real, number, number, number, number, number, number,
                    number, number, number);
     int modules = 0;
-    LayOutModules(m_tracer, modules, [&](int) {
+    LayOutModules(m_tracer, modules, modules, [&](int) {
       instrument.pods.emplace_back();
       LayOutModule(m_tracer, m_scratch.real, [&](int pod) {
         PROBE_SETUP probe;
-        LayOutProbe(m_tracer, instrument.pods.back()[static_cast<std::size_t>(pod)], probe);
+        LayOutProbe(m_tracer, instrument.pods.back()[static_cast<std::size_t>(pod)], probe,
+                    [] {});
       });
     });
   }
@@ -98,14 +99,9 @@ class CSetupFileWalker {
     std::int32_t width = 0;
     REFERENCES references;
     LayOutBlock(
-        m_tracer, m_tracer.Reader().Form().hasNamesAndRows, size, width, m_scratch.text,
-        [&] {
-          const bool valid = size >= MIN_FILE_BLOCK_SIZE && size <= MAX_FILE_BLOCK_SIZE &&
-                             width >= 0 && width <= MAX_FILE_BLOCK_WIDTH;
-          if (!valid) return m_tracer.Refuse("block size or width");
-          (void)m_tracer.Bytes("pattern data", static_cast<std::uint64_t>(size) *
-                                                   static_cast<std::uint64_t>(width) / 8);
-        },
+        m_tracer, m_tracer.Reader().Form().hasNamesAndRows, ReadBlockSize(size),
+        ReadBlockWidth(width), m_scratch.text,
+        [&] { (void)m_tracer.Bytes("pattern data", PatternDataBytes(size, width)); },
         [&] {
           LayOutListingState(m_tracer, references, [&] {
             List(GROUP_STATE_LIST, [&] {

@@ -49,13 +49,6 @@ std::uint64_t DataBytes(int size, std::size_t rowBytes) {
   return size > 0 ? static_cast<std::uint64_t>(size) * rowBytes : 0;
 }
 
-// Bytes in a setup file, a partial last one lost: deliberate.
-std::uint64_t FileDataBytes(int size, int width) {
-  return size > 0 && width > 0
-             ? static_cast<std::uint64_t>(size) * static_cast<std::uint64_t>(width) / 8
-             : 0;
-}
-
 // The caller fills the bytes. Null for none.
 BUFFER MakeBuffer(std::uint64_t bytes) {
   if (bytes > kMaxDataBytes) throw std::length_error("block data");
@@ -222,16 +215,8 @@ Status BLOCK::Write(std::ostream& stream) const { return WriteToStream(stream, *
 Status BLOCK::Read(CSetupFileReader& reader, WAVEFORM_ROWS_IMAGE* lastRows) {
   int size = 0;
   int width = 0;
-  const auto takeSize = ReadInto<int>([&size](int value) {
-    size = value;
-    return value >= MIN_FILE_BLOCK_SIZE && value <= MAX_FILE_BLOCK_SIZE;
-  });
-  const auto takeWidth = ReadInto<int>([&width](int value) {
-    width = value;
-    return value >= 0 && value <= MAX_FILE_BLOCK_WIDTH;
-  });
   LayOutBlock(
-      reader, reader.Form().hasNamesAndRows, takeSize, takeWidth, m_name,
+      reader, reader.Form().hasNamesAndRows, ReadBlockSize(size), ReadBlockWidth(width), m_name,
       [&] { ReadData(reader, size, width); }, [&] { (void)m_listingState.Read(reader); },
       [&] { (void)m_waveformManager->Read(reader, lastRows); });
   m_revision.Touch();
@@ -240,14 +225,14 @@ Status BLOCK::Read(CSetupFileReader& reader, WAVEFORM_ROWS_IMAGE* lastRows) {
 
 void BLOCK::ReadData(CSetupFileReader& reader, int size, int width) {
   if (reader.Form().stepsOver) {  // size and data stay
-    reader.Skip(kDataField, FileDataBytes(size, width));
+    reader.Skip(kDataField, PatternDataBytes(size, width));
     if (reader.Good() && width != m_width) {
       m_width = width;
       if (m_data) (void)AllocateBlockData('\0');  // never rows of another width
     }
     return;
   }
-  const auto data = reader.Bytes(kDataField, FileDataBytes(size, width));
+  const auto data = reader.Bytes(kDataField, PatternDataBytes(size, width));
   if (!reader.Good()) return;
   (void)DeAllocateBlockData();
   m_size = size;
@@ -270,7 +255,7 @@ Status BLOCK::Write(CByteWriter& writer, WAVEFORM_ROWS_IMAGE* lastRows) const {
 }
 
 void BLOCK::WriteData(CByteWriter& writer) const {
-  const std::uint64_t bytes = FileDataBytes(m_size, m_width);
+  const std::uint64_t bytes = PatternDataBytes(m_size, m_width);
   const std::uint64_t held = m_data ? std::min(bytes, DataBytes(m_size, RowBytes())) : 0;
   writer.Bytes(kDataField, {m_data.get(), static_cast<std::size_t>(held)});
   writer.Zeros(kDataField, bytes - held);

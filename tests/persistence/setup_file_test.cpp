@@ -236,7 +236,28 @@ TEST(BadSetupFile, BrokenAtAnyByteIsRefusedByTheModel) {
   }
 }
 
-// Negative counts, counts beyond the file, in every place that holds one.
+TEST(BadSetupFile, CutAnywhereLoadsOrNamesNoFile) {
+  CReferenceSystem system("minimal");
+  const std::string whole = system.Folder().Text("original");
+  (void)system.Instruments().SetFileName("");
+  std::uint64_t blocksEnd = 0;
+  const auto find = [&blocksEnd](const SETUP_FIELD& field) {
+    if (field.name == "sequence line count") blocksEnd = field.offset;
+  };
+  SETUP_FILE_CONTENTS contents;
+  ASSERT_EQ(S_OK, WalkSetupFile(system.file.bytes, find, contents));
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    SCOPED_TRACE(length);
+    const std::string file = system.Folder().Write("cut", whole.substr(0, length));
+    const Status status = system.Server().LoadSystem(file);
+    // What follows the blocks may fail unseen.
+    EXPECT_EQ(length >= blocksEnd, status == S_OK);
+    EXPECT_EQ(status == S_OK ? file : "", system.SystemFile());
+  }
+}
+
+// Negative counts, counts beyond the file, in every place that holds one. The walk says where the
+// model stopped.
 TEST(BadSetupFile, LyingCountsEndInAStatus) {
   for (const char* name : {"simple", "random_a"}) {
     CReferenceSystem system(name);
@@ -245,7 +266,8 @@ TEST(BadSetupFile, LyingCountsEndInAStatus) {
     const auto collect = [&](const SETUP_FIELD& field) {
       const bool counts = field.name.ends_with("count") && field.name != "module count" &&
                           field.name != "repeat count";  // no lists
-      if (counts) places.push_back(field.offset);
+      const bool measures = field.name == "block size" || field.name == "block width";
+      if (counts || measures) places.push_back(field.offset);
     };
     (void)WalkSetupFile(system.file.bytes, collect, contents);
     ASSERT_GE(places.size(), 10U);
@@ -259,6 +281,8 @@ TEST(BadSetupFile, LyingCountsEndInAStatus) {
         CSetupFileReader reader(bad);
         EXPECT_EQ(PG_E_INSTRUMENT_RECORD, system.Read(reader));
         EXPECT_NE(S_OK, WalkSetupFile(bad, {}, contents));
+        EXPECT_EQ(place, contents.failedOffset) << contents.failedField;
+        EXPECT_EQ(place, reader.FailedOffset());
       }
     }
   }
