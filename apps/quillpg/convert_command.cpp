@@ -81,17 +81,18 @@ int RunCommand(const CONVERT_OPTIONS& options) {
   CTerminalRouter router(!options.input.quiet && CTerminalRouter::OnTerminal());
   CServerSession session(router);
   int loaded = STATUS_GOOD;
+  int program = options.noProgram ? 0 : 1;
   CProgramFile capture;
   if (CSetupFile::IsSetupFile(options.input.file)) {
     CSetupFile file;
     loaded = file.Read(options.input);
     if (loaded == STATUS_GOOD) loaded = file.LoadForEditing(session);
+    if (file.Contents().fixedSection.programDataSaved == 0) program = 0;
   } else {
     loaded = capture.Load(options.input, session, router);
   }
   router.EraseBar();
   if (loaded != STATUS_GOOD) return loaded;
-  const int program = options.noProgram ? 0 : 1;
   const int status = options.instrument.empty()
                          ? SaveSystem(session, options.out, program, options.input.quiet)
                          : SaveInstrument(session, options, program);

@@ -10,17 +10,22 @@
 namespace quillpg::tool {
 namespace {
 
+// Texts of a file must not reach the terminal as they are.
+std::string Shown(const std::string& text) { return CFieldTracer::Escaped(text); }
+
+std::string_view Known(std::string_view displayText) {
+  return displayText.empty() ? "?" : displayText;
+}
+
 void PrintInstrument(std::size_t index, const SETUP_FILE_INSTRUMENT& instrument, bool program) {
-  PrintLine("instrument " + std::to_string(index) + ": '" + instrument.name + "', " +
+  PrintLine("instrument " + std::to_string(index) + ": '" + Shown(instrument.name) + "', " +
             Counted(static_cast<std::int64_t>(instrument.pods.size()), "module") + ", " +
-            std::string(GetDisplayText(instrument.channelMode)) + ", " +
+            std::string(Known(GetDisplayText(instrument.channelMode))) + ", " +
             Grouped(static_cast<std::int64_t>(instrument.size)) + " bytes");
   for (std::size_t m = 0; m < instrument.pods.size(); ++m) {
     std::string line = "  module " + std::to_string(m) + ": pods A to D";
-    for (const PodType pod : instrument.pods[m]) {
-      const std::string_view text = GetDisplayText(pod);
-      line.append(" ").append(text.empty() ? "?" : text);
-    }
+    for (const PodType pod : instrument.pods[m])
+      line.append(" ").append(Known(GetDisplayText(pod)));
     PrintLine(line);
   }
   std::string content = "  " + Counted(instrument.groups, "group");
@@ -51,9 +56,9 @@ int RunCommand(const INFO_OPTIONS& options) {
   const FIXED_SECTION& head = file.Contents().fixedSection;
   const bool program = head.programDataSaved != 0;
   PrintLine(options.file + ": " + (head.fileType == FileType::Module ? "module" : "system") +
-            " file of " + head.productName + " " + head.softwareVersion + ", saved " +
-            head.dateSaved);
-  PrintLine("comment: " + head.comment);
+            " file of " + head.productName + " " + Shown(head.softwareVersion) + ", saved " +
+            Shown(head.dateSaved));
+  PrintLine("comment: " + Shown(head.comment));
   PrintLine(std::string("program: ") + (program ? "saved" : "not saved"));
   PrintLine("size: " + Grouped(static_cast<std::int64_t>(file.Bytes().size())) + " bytes");
   std::string depths = "memory depths:";

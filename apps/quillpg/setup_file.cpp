@@ -5,7 +5,6 @@
 #include "exit_status.h"
 #include "hardware/simulation/simulated_mainframe.h"
 #include "input_text.h"
-#include "persistence/file_manager.h"
 #include "quillpg/app_server.h"
 #include "quillpg/limits.h"
 #include "report.h"
@@ -48,12 +47,20 @@ std::vector<SIMULATED_MODULE> DescribeModules(const SETUP_FILE_CONTENTS& content
   return modules;
 }
 
+// What is taken from a pipe is gone: only a capture may come through one.
+bool IsRegular(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(path, error);
+}
+
+std::string PlaceText(std::string_view field, std::uint64_t offset) {
+  return "field '" + std::string(field) + "' at byte " + Grouped(static_cast<std::int64_t>(offset));
+}
+
 }  // namespace
 
 bool CSetupFile::IsSetupFile(const std::string& path) {
-  // What is taken from a pipe is gone: only a capture may come through one.
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error)) return false;
+  if (!IsRegular(path)) return false;
   constexpr std::string_view product = PRODUCT_NAME;
   std::string start(product.size() + 1, 'x');
   std::ifstream file(path, std::ios::binary);
@@ -64,6 +71,7 @@ bool CSetupFile::IsSetupFile(const std::string& path) {
 int CSetupFile::Read(const std::string& path) {
   m_path = path;
   std::string fault;
+  if (IsReadable(path, fault) && !IsRegular(path)) return RefuseFile(PG_E_FILE_NOT_OPENED);
   if (!ReadInputText(path, m_bytes, fault)) return Refuse(fault);
   const auto* bytes = reinterpret_cast<const std::uint8_t*>(m_bytes.data());
   m_walked = WalkSetupFile({bytes, m_bytes.size()}, {}, m_contents);
@@ -77,14 +85,13 @@ int CSetupFile::Read(const INPUT_OPTIONS& options) {
 }
 
 std::string CSetupFile::Damage() const {
-  if (!Failed(m_walked)) return {};
-  return "field '" + m_contents.failedField + "' at byte " +
-         Grouped(static_cast<std::int64_t>(m_contents.failedOffset));
+  return Failed(m_walked) ? PlaceText(m_contents.failedField, m_contents.failedOffset) : "";
 }
 
-int CSetupFile::RefuseFile(Status status) const {
-  const std::string damage = Damage();
-  return Refuse(m_path + ": " + StatusText(status) + (damage.empty() ? "" : " (" + damage + ")"));
+int CSetupFile::RefuseFile(Status status, const READ_FAULT& fault) const {
+  std::string place = Damage();
+  if (place.empty() && fault.field) place = PlaceText(fault.field, fault.offset);
+  return Refuse(m_path + ": " + StatusText(status) + (place.empty() ? "" : " (" + place + ")"));
 }
 
 int CSetupFile::LoadInto(CServerSession& session) const {
@@ -97,7 +104,7 @@ int CSetupFile::LoadInto(CServerSession& session) const {
     if (Failed(fits)) return RefuseFile(fits);
   }
   const Status status = session.Server()->LoadSystem(m_path);
-  if (Failed(status)) return RefuseFile(status);
+  if (Failed(status)) return RefuseFile(status, files->Fault());
   if (Failed(m_walked)) ReportNotice(m_path + ": loaded up to " + Damage());
   return STATUS_GOOD;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "command_line.h"
+#include "persistence/file_manager.h"
 #include "persistence/setup_file_walker.h"
 #include "quillpg/result_codes.h"
 
@@ -38,7 +39,8 @@ class CSetupFile {
 
  private:
   int LoadInto(CServerSession& session) const;
-  int RefuseFile(Status status) const;
+  /// `fault` is where the engine stopped; the walk's own word goes before it.
+  int RefuseFile(Status status, const READ_FAULT& fault = {}) const;
 
   std::string m_path;
   std::string m_bytes;

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """The tool's work on setup files. Usage: setup_file_test.py TOOL"""
+import re
 import unittest
 
 from harness import CAPTURES, CLOCK, ROOT, ToolTest
@@ -21,14 +22,32 @@ class Convert(ToolTest):
                          for name in ("from_capture.vcd", "from_setup.vcd")]
                 self.assertEqual(*dumps)
 
+    def test_a_second_copy_equals_the_first(self):
+        for name in ("without_program", "odd_views", "old_version"):
+            with self.subTest(name=name):
+                source, copies = REFERENCES / f"{name}.pgs", []
+                for out in ("first.pgs", "second.pgs"):
+                    self.run_good("convert", source, out)
+                    source = out
+                    date = rb"\d\d/\d\d/\d\d \d\d:\d\d [AP]M"
+                    copies.append(re.sub(date, b"", (self.folder / out).read_bytes(), count=1))
+                self.assertEqual(*copies)
+                self.assertEqual(name == "without_program",
+                                 "program: not saved" in self.run_good("info", out).stdout)
+
     def test_what_is_refused(self):
         self.write("clock.vcd", CLOCK)
+        whole = (REFERENCES / "minimal.pgs").read_bytes()
         self.write("bad.pgs", (REFERENCES / "random_a.pgs").read_bytes()[:900])
+        dump = self.run_good("dump", REFERENCES / "minimal.pgs").stdout.splitlines()
+        mode = int(next(line for line in dump if "channel mode" in line).split()[0], 16)
+        self.write("mode.pgs", whole[:mode] + b"\x07" + whole[mode + 1:])
         rows = [  # arguments, words on standard error
             (["convert", "clock.vcd", "out.pgs", "--instrument", "none"], "none"),
             (["convert", "clock.vcd", "missing/out.pgs"], "missing/out.pgs"),
             (["convert", REFERENCES / "simple.pgs", "out.pgs", "--period", "1us"], "--period"),
             (["run", "bad.pgs"], "bad.pgs"),
+            (["check", "mode.pgs"], f"'channel mode' at byte {mode:,}"),
             (["info", "clock.vcd"], "not a setup file"),
             (["dump", "bad.pgs"], "instrument 0"),
             (["merge", REFERENCES / "simple.pgs", "--modules", "0-1", "out.pgs"], "cannot be merged"),
@@ -41,7 +60,7 @@ class Convert(ToolTest):
                 done = self.run_tool(*arguments)
                 self.assertEqual(2, done.returncode, done.stdout)
                 self.assertIn(words, done.stderr)
-                self.assertEqual(["bad.pgs", "clock.vcd"], self.files())
+                self.assertEqual(["bad.pgs", "clock.vcd", "mode.pgs"], self.files())
 
 
 class Look(ToolTest):
