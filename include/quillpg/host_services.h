@@ -34,9 +34,9 @@ struct VERSION_RESOURCE {
 
 /// What the engine asks of the platform it runs on. Every operation has a headless default that
 /// never blocks, so that the library works in a server, a script or a test; a front end overrides
-/// what its platform offers and installs the object before the first CAppServer::GetServer. While that
-/// call makes the server, LoadText, GetLibraryPath, GetVersionResource, GetFileModifiedTime and
-/// ShowBox may be called: they must not call GetServer.
+/// what its platform offers and installs the object before the first CAppServer::GetServer. While
+/// that call makes the server, LoadText, GetLibraryPath, GetVersionResource, GetFileModifiedTime
+/// and ShowBox may be called: they must not call GetServer.
 class QUILLPG_API CHostServices {
  public:
   virtual ~CHostServices() = default;
