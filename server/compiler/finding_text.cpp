@@ -1,5 +1,6 @@
 #include "compiler/finding_text.h"
 
+#include "app/message_catalogue.h"
 #include "app/message_service.h"
 #include "base/enum_text.h"
 #include "base/text.h"
@@ -11,16 +12,20 @@ namespace quillpg {
 
 namespace {
 
-// Catalogue numbers by the value of each enumeration. Equal texts stand under several numbers.
-constexpr std::array<int, 3> kTypes = {12004, 12005, 12006};
-constexpr std::array<int, 15> kErrors = {12080, 12111, 12007, 12008, 12009, 12010, 12063, 12064,
-                                         12065, 12066, 12090, 12112, 12117, 12118, 12137};
-constexpr std::array<int, 6> kSections = {12011, 12012, 12013, 12014, 12015, 12016};
+// Texts of the catalogue by the value of each enumeration. Equal texts stand under several numbers.
+constexpr std::array<int, 3> kTypes = {MSG_ERROR, MSG_WARNING, MSG_NO_ERROR};
+constexpr std::array<int, 15> kErrors = {
+    MSG_EMPTY,         MSG_FIELD_EMPTY,     MSG_ILLEGAL_VALUE,          MSG_INVALID,
+    MSG_UNDEFINED,     MSG_ALREADY_DEFINED, MSG_NOT_REFERENCED,         MSG_NO_DEFINITION,
+    MSG_OUT_OF_LIMITS, MSG_INVALID_RANGE,   MSG_BLOCK_AND_SUBSEQUENCE,  MSG_MEMORY_EXCEEDED,
+    MSG_KEYWORD,       MSG_JUMP_TO_MISSING, MSG_TOO_MANY_SEQUENCE_LINES};
+constexpr std::array<int, 6> kSections = {MSG_BLOCK_LIST,       MSG_SEQUENCE_LIST,
+                                          MSG_SUBSEQUENCE_LIST, MSG_SUBSEQUENCE_DEFINITION,
+                                          MSG_EVENT_LIST,       MSG_EVENT_DEFINITION};
 // What has no name, when a finding in that section says that something has none.
-constexpr std::array<int, 6> kUnnamedKinds = {12096, 12109, 12108, 12096, 12098, 12098};
-constexpr int kEmptyName = 12061;
-constexpr int kIs = 12081;
-constexpr int kName = 12107;
+constexpr std::array<int, 6> kUnnamedKinds = {MSG_UNIQUE_BLOCK,        MSG_OUTPUT,
+                                              MSG_SUBSEQUENCE_SECTION, MSG_UNIQUE_BLOCK,
+                                              MSG_UNIQUE_EVENT,        MSG_UNIQUE_EVENT};
 
 template <std::size_t N>
 std::array<std::string, N> LoadTexts(const std::array<int, N>& numbers) {
@@ -49,9 +54,9 @@ void CFindingText::Load() {
   m_errors = LoadTexts(kErrors);
   m_sections = LoadTexts(kSections);
   m_unnamedKinds = LoadTexts(kUnnamedKinds);
-  m_emptyName = CMessageService::Text(kEmptyName);
-  m_is = CMessageService::Text(kIs);
-  m_name = CMessageService::Text(kName);
+  m_emptyName = CMessageService::Text(MSG_EMPTY_NAME);
+  m_is = CMessageService::Text(MSG_IS);
+  m_name = CMessageService::Text(MSG_NAME);
 }
 
 std::string CFindingText::Format(const CompileErrorInfo& info) const {

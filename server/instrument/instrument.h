@@ -79,7 +79,7 @@ class QUILLPG_API CInstrument {
 
   // --- modules: referenced, master first ---
 
-  /// E_FAIL for null and, with message 12089, for a sixth module.
+  /// E_FAIL for null and, with MSG_INTERNAL_ERROR, for a sixth module.
   Status AddModule(CModule* module);
   /// Takes the module out without destroying it.
   Status RemoveModuleAt(int position);
@@ -174,8 +174,8 @@ class QUILLPG_API CInstrument {
   /// Only the master drives an output; the polarity follows as for the input.
   Status SetOutputSignalDest(SignalType type);
   Status GetOutputSignalDest(SignalType& type) const;
-  /// PG_E_SIGNAL_DRIVEN, with message 12122, when another instrument of the system drives `type`.
-  /// None, Signal3 and Signal4 may be shared.
+  /// PG_E_SIGNAL_DRIVEN, with MSG_SIGNAL_DRIVEN, when another instrument of the system drives
+  /// `type`. None, Signal3 and Signal4 may be shared.
   Status CanSetSignalOut(SignalType type) const;
 
   // --- settings of one pod (0 to 3) of the module at `module`; E_FAIL without that module ---
