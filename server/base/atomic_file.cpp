@@ -21,7 +21,7 @@ constexpr char kSuffix[] = ".quillpg-saving";
 constexpr std::size_t kLongestName = 255;
 constexpr int kMostLinks = 40;
 constexpr int kMostTries = 16;
-constexpr mode_t kNewFile = 0666;  // less what the umask takes away
+constexpr mode_t kNewFile = 0666;     // less what the umask takes away
 constexpr mode_t kOwnersFile = 0600;  // until it has the permissions of the file it replaces
 constexpr mode_t kPermissions = 0777;
 

@@ -24,9 +24,9 @@ enum class FileCare {
 /// behind is taken over by the next save to the same target.
 ///
 /// A symbolic link is followed and the file it names replaced. Devices and pipes are written as the
-/// bytes come; a reader that goes away sends the process SIGPIPE, as with any write. FileCare::Work alone also writes in place, so that a failure there can damage the
-/// old file: one with several hard links (a replacement would part them), and one in a folder that
-/// takes no new file.
+/// bytes come; a reader that goes away sends the process SIGPIPE, as with any write. FileCare::Work
+/// alone also writes in place, so that a failure there can damage the old file: one with several
+/// hard links (a replacement would part them), and one in a folder that takes no new file.
 class QUILLPG_API CAtomicFile : public CByteSink {
  public:
   CAtomicFile() = default;

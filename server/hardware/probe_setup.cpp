@@ -119,8 +119,7 @@ Status PROBE_SETUP::Write(std::ostream& stream) const { return WriteToStream(str
 
 Status PROBE_SETUP::Read(CSetupFileReader& reader) {
   PodType typeInFile = PodType::None;  // never stored: the hardware alone tells the type
-  LayOutProbe(reader, typeInFile, *this,
-              [&] { (void)CompareAndUpdateOutputLevel(typeInFile); });
+  LayOutProbe(reader, typeInFile, *this, [&] { (void)CompareAndUpdateOutputLevel(typeInFile); });
   return reader.GetStatus();
 }
 

@@ -82,8 +82,7 @@ class CSetupFileWalker {
       instrument.pods.emplace_back();
       LayOutModule(m_tracer, m_scratch.real, [&](int pod) {
         PROBE_SETUP probe;
-        LayOutProbe(m_tracer, instrument.pods.back()[static_cast<std::size_t>(pod)], probe,
-                    [] {});
+        LayOutProbe(m_tracer, instrument.pods.back()[static_cast<std::size_t>(pod)], probe, [] {});
       });
     });
   }

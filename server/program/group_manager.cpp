@@ -13,8 +13,8 @@ namespace quillpg {
 
 namespace {
 
-// Of all channel-names texts that a file of an old version makes: what an instrument of five modules
-// with the longest names needs is far below.
+// Of all channel-names texts that a file of an old version makes: what an instrument of five
+// modules with the longest names needs is far below.
 constexpr std::size_t kMostRebuiltBytes = std::size_t{1} << 20;
 
 }  // namespace
