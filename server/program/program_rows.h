@@ -15,7 +15,7 @@
 namespace quillpg {
 
 /// What an event and a subsequence share: a name and an owned list of rows that are edited as one
-/// object. Every change of name or list marks it modified.
+/// object. Every change of the list marks it modified.
 template <typename ROW>
 class QUILLPG_API CProgramRows {
  public:
@@ -74,11 +74,10 @@ class QUILLPG_API CProgramRows {
     });
   }
 
-  /// Stores the name as given.
+  /// Stores the name as given; the modified flag stays.
   Status SetName(const std::string& name) {
-    const Status status = StoreText(m_name, name);
     m_revision.Touch();
-    return Changed(status);
+    return StoreText(m_name, name);
   }
 
   /// Null and E_FAIL for a bad index.

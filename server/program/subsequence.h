@@ -21,8 +21,12 @@ struct QUILLPG_API SUBSEQUENCE : CProgramRows<SUBSEQUENCE_LINE> {
   Status Assign(const SUBSEQUENCE& source) { return CopyFrom(source); }
 
   const std::string& GetSubSequenceName() const { return m_name; }
-  /// Stores the name as given.
-  Status SetSubSequenceName(const std::string& name) { return SetName(name); }
+  /// Stores the name as given and marks the subsequence modified: it is compiled anew.
+  Status SetSubSequenceName(const std::string& name) {
+    const Status status = SetName(name);
+    if (!Failed(status)) (void)SetModified(1);
+    return status;
+  }
 
   int GetNoOfSubSequenceLines() const { return m_rows.Count(); }
   /// The line stays the subsequence's; null and E_FAIL for a bad index.
