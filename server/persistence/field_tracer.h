@@ -51,9 +51,10 @@ class CFieldTracer {
   }
   template <typename Describe>
   void Record(const char* name, int index, Describe&& describe) {
+    if (!Good()) return;  // a failure keeps its place
     const std::size_t length = Enter(name, index);
     describe();
-    if (Good()) m_record.resize(length);  // a failure keeps its place
+    if (Good()) m_record.resize(length);
   }
   std::span<const std::uint8_t> Bytes(const char* name, std::uint64_t size);
 

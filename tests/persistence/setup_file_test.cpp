@@ -9,6 +9,8 @@
 
 #include <fstream>
 #include <iterator>
+#include <set>
+#include <string>
 
 // Whole files that an independent program wrote: read, written, walked, broken.
 
@@ -216,11 +218,20 @@ TEST_P(SetupFile, IsReadAsDescribedAndWrittenByteForByte) {
 
 TEST_P(SetupFile, BrokenAtAnyByteIsRefusedByTheWalk) {
   const CReferenceFile file(GetParam().name);
+  std::set<std::string> fields;
+  const auto collect = [&fields](const SETUP_FIELD& field) {
+    std::string path(field.record);
+    if (!path.empty()) path += " / ";
+    fields.insert(path.append(field.name));
+  };
+  SETUP_FILE_CONTENTS whole;
+  ASSERT_EQ(S_OK, WalkSetupFile(file.bytes, collect, whole));
   const std::size_t step = 1 + file.bytes.size() / 5000;
   for (std::size_t length = 0; length < file.bytes.size(); length += step) {
     SETUP_FILE_CONTENTS contents;
     EXPECT_NE(S_OK, WalkSetupFile(std::span(file.bytes).first(length), {}, contents)) << length;
     EXPECT_LE(contents.failedOffset, length);
+    EXPECT_EQ(1u, fields.count(contents.failedField)) << contents.failedField;
   }
 }
 
