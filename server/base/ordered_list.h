@@ -134,7 +134,7 @@ class COrderedList {
       const int now = PositionOf(id, position);
       if (id == 0 || now >= 0) {
         const auto destroy = [&] { (void)Release(PositionOf(id, now)); };
-        const Status visited = visit(position, At(now), destroy);
+        const Status visited = GuardAllocation([&] { return visit(position, At(now), destroy); });
         if (Failed(visited)) return visited;
       }
       ++position;

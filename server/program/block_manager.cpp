@@ -58,13 +58,15 @@ Status CBlockManager::AddBlock(const std::string& name, int size) {
 }
 
 Status CBlockManager::InsertBlock(const std::string& name, int size, int position) {
-  std::unique_ptr<BLOCK> block;
-  Status status = CreateBlock(name, size, block);
-  if (Failed(status)) return status;
-  const std::string stored = block->GetBlockName();
-  status = InsertBlock(position, std::move(block));
-  if (Failed(status)) return status;
-  return Tell([&](CEventHandler& handler) { handler.OnBlockListChanged(stored, position, 0); });
+  return GuardAllocation([&] {
+    std::unique_ptr<BLOCK> block;
+    Status status = CreateBlock(name, size, block);
+    if (Failed(status)) return status;
+    const std::string stored = block->GetBlockName();
+    status = InsertBlock(position, std::move(block));
+    if (Failed(status)) return status;
+    return Tell([&](CEventHandler& handler) { handler.OnBlockListChanged(stored, position, 0); });
+  });
 }
 
 Status CBlockManager::InsertBlock(int position, std::unique_ptr<BLOCK>&& block) {
@@ -190,10 +192,12 @@ Status CBlockManager::SetBlockName(int index, const std::string& name) {
 Status CBlockManager::SetBlockSize(int index, int size) {
   BLOCK* block = m_blocks.At(index);
   if (!IsSizeAllowed(size) || !block || size == block->GetBlockSize()) return E_FAIL;
-  (void)block->ResizeBlock(size, DefaultChannelValue());  // S_OK always
-  m_modified.Set();
-  const std::string name = block->GetBlockName();
-  return Tell([&](CEventHandler& handler) { handler.OnBlockResized(name, index); });
+  return GuardAllocation([&] {
+    const std::string name = block->GetBlockName();
+    (void)block->ResizeBlock(size, DefaultChannelValue());  // S_OK always
+    m_modified.Set();
+    return Tell([&](CEventHandler& handler) { handler.OnBlockResized(name, index); });
+  });
 }
 
 Status CBlockManager::SetBlockInfo(int index, const std::string& name, int size) {
@@ -210,11 +214,13 @@ Status CBlockManager::MoveDown(int index) { return Moved(m_blocks.MoveDown(index
 Status CBlockManager::Moved(Status status, int index, int step) {
   if (Failed(status)) return status;
   m_modified.Set();
-  const int neighbour = index + step;
-  const std::string name = NameOrEmpty(m_blocks.At(neighbour));
-  const std::string neighbourName = NameOrEmpty(m_blocks.At(index));
-  return Tell([&](CEventHandler& handler) {
-    handler.OnBlocksSwapped(name, index, neighbourName, neighbour);
+  return GuardAllocation([&] {
+    const int neighbour = index + step;
+    const std::string name = NameOrEmpty(m_blocks.At(neighbour));
+    const std::string neighbourName = NameOrEmpty(m_blocks.At(index));
+    return Tell([&](CEventHandler& handler) {
+      handler.OnBlocksSwapped(name, index, neighbourName, neighbour);
+    });
   });
 }
 

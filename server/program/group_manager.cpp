@@ -25,8 +25,8 @@ CGroupManager::~CGroupManager() = default;
 
 CGroupManager::CGroupManager(const CGroupManager& /*other*/) : CProgramManager() {}
 
-CGroupManager& CGroupManager::operator=(const CGroupManager& /*other*/) {
-  (void)DeleteAll();  // deliberate: nothing is copied
+CGroupManager& CGroupManager::operator=(const CGroupManager& other) {
+  if (this != &other) (void)DeleteAll();  // deliberate: nothing is copied
   return *this;
 }
 
@@ -231,7 +231,11 @@ Status CGroupManager::SetGroupName(int index, const std::string& newName) {
     if (outermost) m_renamed = nullptr;
     // The front end may have renamed it once more, or deleted it.
     group = m_groups.At(m_groups.PositionOf(id, index));
-    if (group) RenameGroupStates(oldName, group->GetGroupName());
+    if (group) {
+      RenameGroupStates(oldName, group->GetGroupName());
+    } else {
+      UpdateListingState();
+    }
     return S_OK;
   });
 }
@@ -258,7 +262,7 @@ Status CGroupManager::DeleteGroup(int index) {
   const GROUP* group = m_groups.At(index);
   if (!group) return E_FAIL;
   const auto id = m_groups.IdAt(index);
-  const Status told = AnnounceDeleted(*group);
+  const Status told = AnnounceDeleted(index);
   if (Failed(told)) return told;
   (void)m_groups.Remove(m_groups.PositionOf(id, index));  // the handler may have deleted it
   UpdateListingState();
@@ -274,9 +278,12 @@ Status CGroupManager::DeleteAllGroups() {
   return S_OK;
 }
 
-Status CGroupManager::AnnounceDeleted(const GROUP& group) const {
-  const std::string name = group.GetGroupName();
-  return Tell([&](CEventHandler& handler) { handler.OnGroupDeleted(name); });
+Status CGroupManager::AnnounceDeleted(int index) const {
+  return GuardAllocation([&] {
+    const GROUP* group = m_groups.At(index);
+    const std::string name = group->GetGroupName();  // the handler may delete the group
+    return Tell([&](CEventHandler& handler) { handler.OnGroupDeleted(name); });
+  });
 }
 
 Status CGroupManager::DeleteAll() {

@@ -114,7 +114,7 @@ class QUILLPG_API CGroupManager : public CProgramManager {
   void RenameGroupStates(const std::string& oldName, const std::string& newName) const;
   void UpdateListingState() const;
   void AppendPlaceholders(int count);
-  Status AnnounceDeleted(const GROUP& group) const;
+  Status AnnounceDeleted(int index) const;
   Status AnnounceAllDeleted() const;
   void FillGroup(GROUP& group, int first, int count) const;
 

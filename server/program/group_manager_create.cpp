@@ -125,9 +125,8 @@ Status CGroupManager::CreateGroups(const std::vector<std::string>& names,
 
 Status CGroupManager::AnnounceAllDeleted() const {
   for (int i = 0; i < m_groups.Count(); ++i) {
-    const GROUP* group = m_groups.At(i);
-    if (!group) continue;
-    const Status told = AnnounceDeleted(*group);
+    if (!m_groups.At(i)) continue;
+    const Status told = AnnounceDeleted(i);
     if (Failed(told)) return told;
     UpdateListingState();
   }
